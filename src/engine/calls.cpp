@@ -1,0 +1,127 @@
+#include "engine/calls.h"
+
+#include "io/writers/exception.h"
+#include "values/block.h"
+#include "values/native_stack.h"
+#include "values/refderef.h"
+
+#include <cstring>
+#include <vector>
+
+namespace tessor {
+
+namespace {
+
+void put_on_chain(MeaningTable*& chain, HashTable* hash) {
+    MeaningTable* pushed = pushtable(chain, hash);
+    drop(chain);
+    chain = pushed;
+}
+
+bool on_chain(const Activation& run, const HashTable* hash) {
+    const MeaningTable* link = run.table;
+    while (link != run.entry && link->hash != hash)
+        link = link->outer;
+    return link != run.entry;
+}
+
+// Takes a table out of what this activation has put on its chain: an outer place is hidden by the
+// inner one that it is to get, and a loop that calls functions must not make the chain longer.
+void take_off_chain(Activation& run, const HashTable* hash) {
+    std::vector<HashTable*> others;
+    for (const MeaningTable* link = run.table; link != run.entry; link = link->outer)
+        if (link->hash != hash)
+            others.push_back(link->hash);
+    drop(run.table);
+    run.table = hold(run.entry);
+    for (std::size_t i = others.size(); i-- > 0;)
+        put_on_chain(run.table, others[i]);
+}
+
+// The function's own table joins the caller's chain, and stays there after the call.
+void enter_table(Activation& run, const Space& function) {
+    const MeaningTable* link = function.body[function.elements - 1].table;
+    if (!link || !link->hash)
+        return;
+    if (run.table->hash != link->hash && on_chain(run, link->hash))
+        take_off_chain(run, link->hash);
+    put_on_chain(run.table, link->hash);
+}
+
+// Makes room for the locals under the n operands, each unset.
+void open_locals(Space* first_operand, int n, int locals) {
+    std::memmove(static_cast<void*>(first_operand + locals), first_operand,
+                 static_cast<std::size_t>(n) * sizeof(Space));
+    for (int i = 0; i < locals; ++i) {
+        first_operand[i] = Space{};
+        first_operand[i].rank = kind::VARIABLE;
+    }
+}
+
+Next run_body(Activation& run, Space* body, Space* base, Space* floor, bool own_locals) {
+    Activation callee(body + 1, run.table, base, floor, run.top, run.quads, run.depth + 1);
+    callee.own_locals = own_locals;
+    run.top = run_nested(callee);
+    return Next::advance;
+}
+
+} // namespace
+
+Next call(Activation& run) {
+    enter_table(run, *run.top);
+    Held function(*run.top);
+    --run.top;
+    const int n = function.value().arguments;
+    const int locals = function.value().locals;
+    if (n > 0 && run.values() < n) {
+        failed(run, 800);
+        return Next::advance;
+    }
+    if (!stack_guard())
+        return failed(run, 806);
+    Space* body = function.value().body;
+    if (n < 0)
+        return run_body(run, body, run.base, run.floor, false);
+    Space* first_operand = run.top - (n - 1);
+    if (locals == 0)
+        return run_body(run, body, first_operand, first_operand, false);
+    if (locals > stacktop + 1 - run.top)
+        return failed(run, 806);
+    open_locals(first_operand, n, locals);
+    run.top += locals;
+    return run_body(run, body, first_operand, first_operand + locals, true);
+}
+
+void close_locals(Activation& run) noexcept {
+    if (!run.own_locals)
+        return;
+    for (Space* local = run.base; local < run.floor; ++local)
+        dereferencepoint(local);
+    const long values = run.values();
+    std::memmove(static_cast<void*>(run.base), run.floor,
+                 static_cast<std::size_t>(values) * sizeof(Space));
+    run.top = run.base + values - 1;
+}
+
+Next do_return(Activation& run) {
+    if (run.table != run.entry)
+        run.table = popsymtabs(run.table);
+    close_locals(run);
+    return Next::end;
+}
+
+Next make_operator(Activation& run) {
+    Space& top = *run.top;
+    if (top.rank != kind::FUNCTION)
+        return Next::advance;
+    if (!unshared(top.body)) {
+        Space* copy = copyfun(top);
+        release_body(top.body);
+        top.body = copy;
+    }
+    top.body->type |= ISOPERATOR;
+    top.type = top.body->type;
+    return Next::advance;
+}
+
+} // namespace tessor

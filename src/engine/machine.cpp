@@ -1,0 +1,455 @@
+#include "engine/machine.h"
+
+#include "engine/calls.h"
+#include "engine/control.h"
+#include "engine/names.h"
+#include "engine/signals.h"
+#include "io/writers/dump.h"
+#include "io/writers/exception.h"
+#include "parallel/coprocessor.h"
+#include "values/array.h"
+#include "values/refderef.h"
+#include "values/shared.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <new>
+#include <utility>
+
+namespace tessor {
+
+Space stack[stack_cells];
+Space* sp = stack;
+Space* stacktop = stack + 16583;
+Bodies bodies[instruction_count];
+Activation* current = nullptr;
+
+namespace {
+
+constexpr auto classes = [] {
+    std::array<std::uint8_t, instruction_count> result{};
+    for (std::size_t i = 0; i < result.size(); ++i)
+        result[i] = instruction_table[i].instruction_class;
+    return result;
+}();
+
+// Where the top stands after a jump has abandoned activations; null when it has abandoned none.
+Space* abandoned_top = nullptr;
+
+enum class Prepared { run, skip, failed };
+
+void wait_if_shared(bool waits) {
+    if (waits && processors > 1)
+        wait_for_coprocessors();
+}
+
+bool is_operator(const Space& value) {
+    return value.rank == kind::OPERATOR;
+}
+
+// The result of a scalar verb with an empty operand is the other one.
+bool drop_empty_operand(Activation& run) {
+    Space* top = run.top;
+    if (top->type & ISEMPTY) {
+        pop(run);
+        return true;
+    }
+    if (top[-1].type & ISEMPTY) {
+        dereferencepoint(top - 1);
+        top[-1] = *top;
+        --run.top;
+        return true;
+    }
+    return false;
+}
+
+bool large_operands(const Space* top) {
+    const std::uint32_t n = std::max(top->elements, top[-1].elements);
+    return n >= processors && static_cast<std::int32_t>(n) > MIN_PARALLEL;
+}
+
+// Class preparation: the operands that the class demands are there, and nobody writes them.
+Prepared prepare(Activation& run, int instruction_class) {
+    if (instruction_class > 31)
+        return Prepared::run;
+    const long demanded = instruction_class >> 3;
+    if (run.top - run.floor + 1 < demanded) {
+        failed(run, 800);
+        return Prepared::failed;
+    }
+    op_flops = 0;
+    switch (instruction_class) {
+    case 10:
+        if (is_operator(*run.top)) {
+            failed(run, 200);
+            return Prepared::failed;
+        }
+        break;
+    case 18:
+        if (is_operator(*run.top) || is_operator(run.top[-1])) {
+            failed(run, 200);
+            return Prepared::failed;
+        }
+        if ((run.top->type | run.top[-1].type) & ISEMPTY)
+            return drop_empty_operand(run) ? Prepared::skip : Prepared::run;
+        break;
+    case 21:
+    case 23: wait_if_shared(processors > 1 && large_operands(run.top)); break;
+    default: wait_if_shared((instruction_class & 1) != 0 && instruction_class != 3); break;
+    }
+    return Prepared::run;
+}
+
+Next run_behaviour(Activation& run, int operation) {
+    switch (instruction_table[static_cast<std::size_t>(operation)].behaviour) {
+    case Behaviour::skip: return Next::advance;
+    case Behaviour::r994: return failed(run, 994);
+    default: return failed(run, 993);
+    }
+}
+
+Next run_instruction(Activation& run) {
+    const int operation = run.now->operation;
+    switch (prepare(run, classes[static_cast<std::size_t>(operation)])) {
+    case Prepared::failed: return Next::failed;
+    case Prepared::skip: return Next::advance;
+    case Prepared::run: break;
+    }
+    const Bodies& instruction = bodies[operation];
+    if (instruction.verb) {
+        instruction.verb(&run.top, run.now, run.quads, 0);
+        return Next::advance;
+    }
+    if (instruction.body)
+        return instruction.body(run);
+    return run_behaviour(run, operation);
+}
+
+// IF_YES or IF_NO behind a function: the value on top is run, or goes.
+Next run_or_drop(Activation& run, bool runs) {
+    if (run.top < run.floor)
+        return runs ? failed(run, 800) : Next::advance;
+    if (!runs) {
+        pop(run);
+        return Next::advance;
+    }
+    if (run.top->rank == kind::FUNCTION)
+        return call(run);
+    const Body execute = bodies[op::EXECUTE].body;
+    return execute ? execute(run) : failed(run, 993);
+}
+
+// IF_YES or IF_NO folded on an instruction or behind a function.
+Next run_conditional(Activation& run) {
+    const bool yes = run.now->operation == op::IF_YES;
+    if (run.check < 0)
+        return failed(run, yes ? 147 : 148);
+    const bool holds = (run.check == 1) == yes;
+    if (static_cast<std::int16_t>(run.now->suboperation) == kind::FUNCTION)
+        return run_or_drop(run, holds);
+    if (!holds)
+        return Next::advance;
+    run.opened = *run.now;
+    run.opened.operation = static_cast<std::int16_t>(run.now->suboperation);
+    run.opened.suboperation = static_cast<std::uint16_t>(run.now->elements);
+    run.now = &run.opened;
+    return Next::again;
+}
+
+Next run_operator(Activation& run) {
+    const int operation = run.now->operation;
+    if (operation == op::IF_YES || operation == op::IF_NO)
+        return run_conditional(run);
+    return run_instruction(run);
+}
+
+Next push_literal(Activation& run) {
+    if (!room(run))
+        return Next::failed;
+    push_copy(run, *run.now);
+    return Next::advance;
+}
+
+Next push_function(Activation& run) {
+    if (!room(run))
+        return Next::failed;
+    push_copy(run, *run.now);
+    if (run.now->type & ISOPERATOR)
+        return call(run);
+    return Next::advance;
+}
+
+Next unusable(const char* text) {
+    std::fflush(stdout);
+    std::fputs(text, stderr);
+    std::fflush(stderr);
+    return Next::failed;
+}
+
+Next run_other(Activation& run) {
+    switch (run.now->rank) {
+    case kind::LABEL: return push_label(run);
+    case kind::VARIABLE: return push_variable(run);
+    case kind::FUNCTION: return push_function(run);
+    case kind::ADDRESS: return push_address(run);
+    case kind::LOCAL_ADDRESS: return push_local_address(run);
+    case kind::LOCAL_VARIABLE: return push_local(run);
+    case kind::UNUSED: return unusable(" Unused type:");
+    case kind::INVALID: return unusable(" Unusable symbol:");
+    default: return push_literal(run);
+    }
+}
+
+// A cell of another kind than OPERATOR that stands under the flag of CHECK.
+bool skipped(Activation& run, bool& failure) {
+    const std::uint32_t type = run.now->type;
+    const bool yes = (type & YES) != 0;
+    if (run.check < 0) {
+        failed(run, yes ? 147 : 148);
+        failure = true;
+        return true;
+    }
+    return run.check == (yes ? 0 : 1);
+}
+
+Next run_cell(Activation& run) {
+    const Space& cell = *run.now;
+    if (cell.rank == kind::OPERATOR)
+        return run_operator(run);
+    if (cell.type & CONDITIONAL) {
+        bool failure = false;
+        if (skipped(run, failure))
+            return failure ? Next::failed : Next::advance;
+    }
+    if (cell.rank >= 0)
+        return push_literal(run);
+    return run_other(run);
+}
+
+// Everything that seldom stands before a cell.
+void attend_to(Activation& run) {
+    take_signals();
+    if (run.trace || run.step || Trace || Step)
+        inspect(run);
+}
+
+// The cycle. True: the list ended normally.
+bool cycle(Activation& run) {
+    while (!is_end(*run.cell)) {
+        flopos = 0;
+        run.cell_top = run.top;
+        if (attention.load(std::memory_order_relaxed) != 0 || run.trace || run.step) [[unlikely]]
+            attend_to(run);
+        operators += 1;
+        switch (run_cell(run)) {
+        case Next::advance: run.now = ++run.cell; break;
+        case Next::jumped: run.now = run.cell; break;
+        case Next::again: break;
+        case Next::end: return true;
+        case Next::failed: return false;
+        }
+    }
+    return true;
+}
+
+void show_top(const Activation& run) {
+    if (run.top >= run.floor)
+        dump(stdout, "\n\n", *run.top);
+    else
+        std::fputs("\n-\n", stdout);
+}
+
+void discard_bad_top(Activation& run) {
+    std::fputs("\n-- - Discarding the bad TOS value...\n", stdout);
+    const std::uint32_t ascii = run.top->type & HASASCII;
+    dereferencepoint(run.top);
+    A_Problem = 0;
+    make_empty(*run.top, ascii);
+}
+
+// Ending a run early, after a report.
+void leave_early(Activation& run) {
+    if (PrintOut) {
+        PrintOut = false;
+        return;
+    }
+    if (endprocess || run.depth > 0)
+        return;
+    if (A_Problem == 1 && run.top >= run.floor)
+        discard_bad_top(run);
+}
+
+// After a jump the stack is this activation's again: its top where it stood when the cell under way
+// began, or higher by what a verb of its own had pushed. `live` is the top of the innermost
+// activation. Values above are released; cells that had been popped are empty vectors.
+void restore_stack(Activation& run, Space* live, bool own) {
+    Space* top = own ? std::max(run.cell_top, live) : run.cell_top;
+    while (live > top)
+        dereferencepoint(live--);
+    while (live < top)
+        make_empty(*++live);
+    run.top = top;
+}
+
+void leave_after_jump(Activation& run, Space* live, bool own) {
+    restore_stack(run, live, own);
+    if (!endprocess && PrintOut) {
+        PrintOut = false;
+        return;
+    }
+    if (!endprocess)
+        std::fputs("\nException processing:...", stdout);
+    leave_early(run);
+}
+
+void leave_after_throw(Activation& run) {
+    Space* live = std::exchange(abandoned_top, nullptr);
+    leave_after_jump(run, live ? live : run.top, live == nullptr);
+}
+
+void leave_out_of_storage(Activation& run) {
+    exception(27, nullptr, nullptr);
+    leave_after_throw(run);
+}
+
+// A jump goes past this activation. Its locals go, and the values above them stand where its
+// operands stood.
+void abandon(Activation& run) {
+    if (abandoned_top)
+        run.top = abandoned_top;
+    close_locals(run);
+    abandoned_top = run.top;
+}
+
+void run_to_end(Activation& run) {
+    const bool ended = cycle(run);
+    run.cell_top = run.top;
+    wait_if_shared(ended);
+    if (signal_noted())
+        take_signals();
+    if (ended)
+        show_top(run);
+    else
+        leave_early(run);
+}
+
+// A fresh run is a recovery point, for failures that are thrown and for faults of the process's
+// own.
+Space* run_fresh(Activation& run) {
+    FaultPoint point;
+    point.outer = fault_point;
+    if (sigsetjmp(point.context, 0) == 0) {
+        fault_point = &point;
+        try {
+            run_to_end(run);
+        } catch (const ErrorJump&) {
+            leave_after_throw(run);
+        } catch (const OutOfStorage&) {
+            leave_out_of_storage(run);
+        } catch (const std::bad_alloc&) {
+            leave_out_of_storage(run);
+        }
+    } else {
+        const bool own = current == &run;
+        current = &run;
+        leave_after_jump(run, point.top, own);
+    }
+    fault_point = point.outer;
+    run.left = true;
+    return run.top;
+}
+
+// Program buffers that wait to be used again, linked through their first cells.
+Space* free_buffers = nullptr;
+
+} // namespace
+
+Activation::Activation(Space* first_cell, MeaningTable* link, Space* base_cell, Space* floor_cell,
+                       Space* top_cell, Space* quads_block, int run_depth)
+    : first(first_cell),
+      cell(first_cell),
+      now(first_cell),
+      base(base_cell),
+      floor(floor_cell),
+      top(top_cell),
+      cell_top(top_cell),
+      table(hold(link)),
+      entry(link),
+      quads(quads_block),
+      outer(current),
+      depth(run_depth) {
+    current = this;
+}
+
+Activation::~Activation() {
+    if (!left)
+        abandon(*this);
+    current = outer;
+    drop(table);
+}
+
+Space* run_nested(Activation& run) {
+    if (!cycle(run))
+        leave_early(run);
+    run.left = true;
+    return run.top;
+}
+
+Space* machine(Space* first, MeaningTable* table, Space* base, Space* floor, Space* top,
+               Space* quads_block, int depth) {
+    Activation run(first, table, base, floor, top, quads_block, depth);
+    return depth == 0 ? run_fresh(run) : run_nested(run);
+}
+
+bool room(Activation& run) {
+    if (run.top <= stacktop)
+        return true;
+    failed(run, 806);
+    return false;
+}
+
+Next failed(Activation& run, int number) {
+    exception(number, &run.top, run.now);
+    return Next::failed;
+}
+
+void pop(Activation& run) {
+    dereferencepoint(run.top);
+    --run.top;
+}
+
+void push_copy(Activation& run, const Space& value) {
+    Space& pushed = run.top[1];
+    pushed = value;
+    pushed.type &= ~(CONDITIONAL | YES);
+    referencepoint(&pushed);
+    ++run.top;
+}
+
+Held::~Held() {
+    dereferencepoint(&value_);
+}
+
+void clear_cells(Space* cells) {
+    cleanup(cells);
+    cells->type = 0;
+}
+
+CellBuffer::CellBuffer() {
+    if (free_buffers) {
+        cells_ = free_buffers;
+        free_buffers = cells_->target;
+    } else {
+        cells_ = static_cast<Space*>(allocate_items(cells_per_buffer + 1, sizeof(Space)));
+    }
+    cells_->type = 0;
+}
+
+CellBuffer::~CellBuffer() {
+    cleanup(cells_);
+    cells_->target = free_buffers;
+    free_buffers = cells_;
+}
+
+} // namespace tessor

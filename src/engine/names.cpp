@@ -1,0 +1,161 @@
+#include "engine/names.h"
+
+#include "engine/calls.h"
+#include "io/writers/exception.h"
+#include "values/array.h"
+#include "values/block.h"
+#include "values/refderef.h"
+
+namespace tessor {
+
+namespace {
+
+bool is_set(const Space* value) {
+    return value && value->type != 0;
+}
+
+void rebind(Space& cell, MeaningTable* link, Space* value) {
+    count_up(value);
+    release_enclosed(cell.target);
+    drop(cell.table);
+    cell.table = hold(link);
+    cell.target = value;
+}
+
+// Keeps a late-bound cell pointing at what its name means along the current chain. True if it was
+// bound anew.
+bool keep_bound(Activation& run, Space& cell) {
+    if (cell.target && cell.table && hash_of(cell.table) == hash_of(run.table))
+        return false;
+    const Bucket* found = checkmeaning(run.table, cell.name);
+    if (!found) {
+        release_enclosed(cell.target);
+        cell.target = nullptr;
+        return false;
+    }
+    if (found->value == cell.target)
+        return false;
+    rebind(cell, run.table, found->value);
+    return true;
+}
+
+void make_name(Space& cell, MeaningTable* link, HashTable* hash) {
+    count_up(cell.name);
+    if (const Bucket* made = enter(hash, cell.name))
+        rebind(cell, link, made->value);
+}
+
+// A mark for whoever looks at a function's body; nothing decides by it. A literal in the first
+// place is a value and takes none.
+void mark_first(Activation& run, std::uint32_t bits) {
+    if (run.first->rank < 0)
+        run.first->type |= bits;
+}
+
+// The stack cell of the local that the cell numbers; null if the frame has no such local.
+Space* local_of(const Activation& run) {
+    const std::int32_t slot = element_at(*run.now, 0).integer;
+    return slot >= 0 && slot < run.floor - run.base ? run.base + slot : nullptr;
+}
+
+Next call_verb(Activation& run) {
+    Space& function = *run.top;
+    function.type = function.body->type;
+    return (function.type & ISOPERATOR) ? call(run) : Next::advance;
+}
+
+Next store_name(Activation& run, bool keeps) {
+    Space& address = *run.top;
+    if (address.rank != kind::ADDRESS)
+        return failed(run, 55);
+    Space* target = address.target;
+    Space& value = run.top[-1];
+    Held old(*target);
+    Held name(address);
+    *target = value;
+    target->type &= ~(CONDITIONAL | YES);
+    if (keeps)
+        referencepoint(target);
+    run.top -= keeps ? 1 : 2;
+    return Next::advance;
+}
+
+} // namespace
+
+Next push_variable(Activation& run) {
+    if (!room(run))
+        return Next::failed;
+    Space& cell = *run.now;
+    if (cell.suboperation != op::SGIG)
+        keep_bound(run, cell);
+    if (!is_set(cell.target))
+        return failed(run, 23);
+    push_copy(run, *cell.target);
+    return run.top->rank == kind::FUNCTION ? call_verb(run) : Next::advance;
+}
+
+Next push_address(Activation& run) {
+    if (!room(run))
+        return Next::failed;
+    Space& cell = *run.now;
+    if (cell.suboperation == op::SGIG) {
+        mark_first(run, GLOBALCHANGE);
+    } else {
+        if (keep_bound(run, cell) && cell.suboperation == op::SAIG)
+            mark_first(run, GLOBALCHANGE);
+        if (!cell.target && cell.suboperation == op::SAIL) {
+            make_name(cell, run.table, hash_of(run.table));
+        } else if (!cell.target && cell.suboperation == op::SAIG) {
+            mark_first(run, GLOBALCHANGE);
+            make_name(cell, run.table, base_hash(run.table));
+        }
+        if (!cell.target)
+            return failed(run, 23);
+    }
+    push_copy(run, cell);
+    return Next::advance;
+}
+
+Next push_local(Activation& run) {
+    if (!room(run))
+        return Next::failed;
+    const Space* local = local_of(run);
+    if (!local || local->rank == kind::VARIABLE)
+        return failed(run, 23);
+    push_copy(run, *local);
+    return Next::advance;
+}
+
+Next push_local_address(Activation& run) {
+    if (!room(run))
+        return Next::failed;
+    Space* local = local_of(run);
+    if (!local)
+        return failed(run, 23);
+    Space& pushed = *++run.top;
+    pushed = Space{};
+    pushed.rank = kind::ADDRESS;
+    pushed.type = ISLOCAL | ISADDRESS;
+    pushed.elements = 1;
+    pushed.target = local;
+    return Next::advance;
+}
+
+Next push_label(Activation& run) {
+    if (!is_set(run.now->target))
+        return failed(run, 23);
+    if (!room(run))
+        return Next::failed;
+    push_copy(run, *run.now->target);
+    return Next::advance;
+}
+
+Next assign(Activation& run) {
+    return store_name(run, true);
+}
+
+Next set(Activation& run) {
+    return store_name(run, false);
+}
+
+} // namespace tessor

@@ -1,0 +1,98 @@
+#include "engine/signals.h"
+
+#include "io/writers/exception.h"
+#include "values/shared.h"
+
+#include <array>
+#include <csignal>
+#include <cstring>
+
+namespace tessor {
+
+FaultPoint* fault_point = nullptr;
+
+namespace {
+
+volatile std::sig_atomic_t reading = 0;
+
+bool is_interrupt(int signal) {
+    return signal == SIGINT || signal == SIGQUIT;
+}
+
+// Raised by an instruction of this process, not sent to it.
+bool is_own_fault(int signal, const siginfo_t* info) {
+    return (signal == SIGSEGV || signal == SIGBUS || signal == SIGFPE) && info->si_code > 0;
+}
+
+void take_default(int signal) {
+    struct sigaction action {};
+    action.sa_handler = SIG_DFL;
+    sigaction(signal, &action, nullptr);
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, signal);
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    raise(signal);
+}
+
+void handle(int signal, siginfo_t* info, void*) {
+    if (is_own_fault(signal, info)) {
+        report_signal(signal);
+        if (!fault_point)
+            take_default(signal);
+        siglongjmp(fault_point->context, 1);
+    }
+    if (reading && is_interrupt(signal))
+        return;
+    if (reading && signal == SIGBUS)
+        take_default(signal);
+    note_signal(signal);
+}
+
+void install(int signal) {
+    struct sigaction action {};
+    action.sa_sigaction = handle;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER;
+    sigaction(signal, &action, nullptr);
+}
+
+// fill's own recovery from a fault: what it had made so far is lost to the process, not to the
+// user.
+int fill_guarded(Space* cells, MeaningTable* table, std::FILE* stream, const char** text,
+                 LineEnd mode) {
+    FaultPoint point;
+    point.outer = fault_point;
+    int written = 0;
+    if (sigsetjmp(point.context, 0) == 0) {
+        fault_point = &point;
+        written = fill(cells, table, stream, text, mode);
+    } else {
+        cells->type = 0;
+        written = 0;
+    }
+    fault_point = point.outer;
+    return written;
+}
+
+} // namespace
+
+void install_signals() {
+    static std::array<char, 65536> signal_stack;
+    stack_t alternate{};
+    alternate.ss_sp = signal_stack.data();
+    alternate.ss_size = signal_stack.size();
+    sigaltstack(&alternate, nullptr);
+    for (const int signal : {SIGINT, SIGQUIT, SIGFPE, SIGBUS, SIGSEGV})
+        install(signal);
+}
+
+int fill_reading(Space* cells, MeaningTable* table, std::FILE* stream, const char** text,
+                 LineEnd mode) {
+    reading = 1;
+    const int written = fill_guarded(cells, table, stream, text, mode);
+    reading = 0;
+    return written;
+}
+
+} // namespace tessor

@@ -1,0 +1,242 @@
+// Instructions, names and functions as text.
+#include "io/writers/writer.h"
+
+#include "values/array.h"
+#include "values/instructions.h"
+
+#include <cstring>
+
+namespace tessor {
+
+namespace {
+
+constexpr auto behind_function = static_cast<std::uint16_t>(kind::FUNCTION);
+constexpr std::uint16_t comment = op::CONTEXT;
+
+// What an addressing class shows in front of a name.
+struct ClassText {
+    std::string_view prefix;  ///< as it is typed
+    std::string_view heading; ///< in the inspection form
+};
+
+ClassText class_text(const Space& cell) {
+    const bool everywhere = (cell.type & ISOPERATOR) != 0;
+    switch (cell.suboperation) {
+    case op::SGIG: return {"", everywhere ? " . GLOBAL" : " ."};
+    case op::SAIG: return {"_", everywhere ? " . SAIG . GLOBAL" : " . SAIG ."};
+    case op::SAIL: return {"$", " . SAIL"};
+    case op::SLIL: return {".", " . LOCAL"};
+    default: return {"", ""};
+    }
+}
+
+std::string_view name_of(const Space& cell) {
+    return cell.name ? std::string_view(cell.name) : std::string_view();
+}
+
+bool begins_word(char byte) {
+    return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == '_';
+}
+
+// A plain name that the scanner would not read as one piece, or not as a name: it came from a
+// quoted name and goes back as one. Behind @ an exclamation mark is part of a name.
+bool needs_quotes(std::string_view name, bool address) {
+    constexpr std::string_view ends = " \t\r\n.;\"()|\x02\x03";
+    constexpr std::string_view others = "'`@:+-*/^v0123456789";
+    constexpr std::string_view prefixes = "_$%";
+    if (name.empty() || others.find(name[0]) != name.npos || name.find_first_of(ends) != name.npos)
+        return true;
+    if (name.size() > 1 && prefixes.find(name[0]) != name.npos && begins_word(name[1]))
+        return true;
+    return !address && name.find('!', 1) != name.npos;
+}
+
+void write_name(Writer& out, const Space& cell, std::string_view prefix, Style style) {
+    const std::string_view name = name_of(cell);
+    const bool quotes = style == Style::source && cell.name
+                        && (cell.suboperation == op::SGIG || !prefix.empty())
+                        && needs_quotes(name, cell.rank == kind::ADDRESS);
+    if (quotes)
+        out.put('\x02');
+    out.put(prefix);
+    out.put(name);
+    if (quotes)
+        out.put('\x03');
+}
+
+void write_variable(Writer& out, const Space& cell, Place place) {
+    const ClassText text = class_text(cell);
+    if (place.style == Style::display) {
+        out.put(text.heading);
+        out.put(" VARIABLE:\t");
+    } else {
+        out.put('\n');
+        write_indent(out, place.level);
+    }
+    if (!text.prefix.empty())
+        out.put(' ');
+    write_name(out, cell, text.prefix, place.style);
+}
+
+void write_address(Writer& out, const Space& cell, Place place) {
+    const ClassText text = class_text(cell);
+    if (place.style == Style::display) {
+        out.put(text.heading);
+        out.put(" ADDRESS:\t");
+    } else {
+        out.put(" @");
+    }
+    write_name(out, cell, text.prefix, place.style);
+}
+
+void write_label(Writer& out, const Space& cell, Place place) {
+    if (place.style == Style::display) {
+        out.put(" . LABEL:\t\t");
+    } else {
+        out.put('\n');
+        write_indent(out, place.level);
+        out.put(" @");
+    }
+    out.put(name_of(cell));
+}
+
+void write_local(Writer& out, const Space& cell, std::string_view text) {
+    out.put(text);
+    write_integer(out, element_at(cell, 0).integer + 1);
+}
+
+bool is_derived(int operation) {
+    return operation == op::OUTERPRODUCT
+           || (operation >= op::SCAN && operation <= op::REDUCENWISELASTAXIS);
+}
+
+bool is_conditional(const Space& cell) {
+    return (cell.operation == op::IF_YES || cell.operation == op::IF_NO)
+           && cell.suboperation != behind_function;
+}
+
+std::string_view modified_name(const Space& cell) {
+    return instruction_name(static_cast<std::int16_t>(cell.suboperation));
+}
+
+std::string_view spelling_of(const Space& cell) {
+    return cell.name ? name_of(cell) : instruction_name(cell.operation);
+}
+
+void inspect_operator(Writer& out, const Space& cell) {
+    constexpr std::string_view heading = " . OPERATOR:\t\t";
+    if (cell.operation == op::NOOP && cell.suboperation == comment && cell.name) {
+        out.put(" . COMMENT:\t\t");
+        out.put(name_of(cell));
+        return;
+    }
+    if (is_conditional(cell) && cell.elements != 0) {
+        out.put(heading);
+        out.put(instruction_name(static_cast<int>(cell.elements)));
+        out.put(' ');
+        out.put(modified_name(cell));
+    } else if (is_conditional(cell) || is_derived(cell.operation)) {
+        out.put(heading);
+        out.put(modified_name(cell));
+    }
+    out.put(heading);
+    out.put(spelling_of(cell));
+    if (cell.operation == op::PRINT)
+        out.put('\n');
+}
+
+// Jumps, checks, labels and comments end their line, so that a program falls into lines where its
+// control flow turns.
+void write_operator(Writer& out, const Space& cell, int level) {
+    out.put(' ');
+    if (cell.operation == op::NOOP && cell.suboperation == comment && cell.name) {
+        out.put('"');
+        out.put(name_of(cell));
+        out.put("\"\n");
+        return;
+    }
+    if (is_conditional(cell) && !cell.name) {
+        if (cell.elements != 0) {
+            out.put(instruction_name(static_cast<int>(cell.elements)));
+            out.put(' ');
+        }
+        out.put(modified_name(cell));
+        return;
+    }
+    out.put(spelling_of(cell));
+    if (cell.operation == op::JUMP || cell.operation == op::CHECK) {
+        out.put('\n');
+        write_indent(out, level);
+    } else if (cell.operation == op::NOOP && cell.name) {
+        out.put('\n');
+    }
+}
+
+void write_header(Writer& out, const Space& function) {
+    if (function.arguments < 0) {
+        out.put(' ');
+        out.put(function.name ? name_of(function) : ":");
+        return;
+    }
+    if (function.locals != 0) {
+        out.put(" VARS ");
+        write_integer(out, function.locals);
+    }
+    switch (function.arguments) {
+    case 0: out.put(" NILADIC"); return;
+    case 1: out.put(" MONADIC"); return;
+    case 2: out.put(" DYADIC"); return;
+    case 3: out.put(" TRIADIC"); return;
+    default: break;
+    }
+    out.put(" ARGS ");
+    write_integer(out, function.arguments);
+    out.put(" FUNCTION");
+}
+
+void write_function(Writer& out, const Space& function, int level) {
+    out.put('\n');
+    write_indent(out, level);
+    write_header(out, function);
+    if (function.arguments >= 0) {
+        out.put('\n');
+        write_indent(out, level + 1);
+    }
+    if (function.body) {
+        for (const Space* cell = function.body + 1; cell->type != 0; ++cell)
+            write_value(out, *cell, {level + 1, Style::source, false});
+    }
+    if (function.type & ISOPERATOR)
+        out.put(" OPERATOR");
+    out.put('\n');
+    write_indent(out, level);
+}
+
+} // namespace
+
+void write_cell(Writer& out, const Space& cell, Place place) {
+    const bool display = place.style == Style::display;
+    switch (cell.rank) {
+    case kind::LOCAL_VARIABLE:
+        write_local(out, cell, display ? " . STACK VARIABLE:\t&" : " &");
+        return;
+    case kind::LOCAL_ADDRESS:
+        write_local(out, cell, display ? " . STACK ADDRESS:\t&" : " @&");
+        return;
+    case kind::ADDRESS: write_address(out, cell, place); return;
+    case kind::OPERATOR:
+        if (display)
+            inspect_operator(out, cell);
+        else
+            write_operator(out, cell, place.level);
+        return;
+    case kind::FUNCTION: write_function(out, cell, place.level); return;
+    case kind::VARIABLE: write_variable(out, cell, place); return;
+    case kind::LABEL: write_label(out, cell, place); return;
+    case kind::UNUSED: out.put(" . Unused name!\n"); return;
+    case kind::INVALID: out.put(" . Unused symbol!\n"); return;
+    default: return;
+    }
+}
+
+} // namespace tessor

@@ -1,0 +1,40 @@
+#include "io/writers/dump.h"
+
+#include "io/writers/writer.h"
+#include "values/shared.h"
+
+namespace tessor {
+
+namespace {
+
+// The source form begins at level 0 as well; anything deeper is source in the mode asked for.
+Place place_of(int level, Mode mode) {
+    return {level, mode == Mode::source ? Style::source : Style::display, false};
+}
+
+} // namespace
+
+void dump(std::FILE* stream, const char* prefix, const Space& space) {
+    PrintOut = true;
+    disass(stream, prefix, space, 0, Mode::display);
+    PrintOut = false;
+}
+
+void disass(std::FILE* stream, const char* prefix, const Space& space, int level, Mode mode) {
+    Writer out(stream);
+    out.put(prefix);
+    write_value(out, space, place_of(level, mode));
+    out.flush();
+}
+
+void dumpstack(std::FILE* stream, const Space* lowest, const Space* highest) {
+    for (; lowest <= highest; ++lowest) {
+        PrintOut = true;
+        disass(stream, "", *lowest, 0, Mode::source);
+        PrintOut = false;
+        std::fputc('\n', stream);
+    }
+    std::fputs(".\n", stream);
+}
+
+} // namespace tessor

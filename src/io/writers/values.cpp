@@ -1,0 +1,408 @@
+#include "io/writers/elements.h"
+
+#include "io/writers/numbers.h"
+
+namespace tessor {
+
+namespace {
+
+constexpr std::uint32_t elements_in_a_hundred = 100;
+
+bool is_text(const Space& space) {
+    return (space.type & HASASCII) && !(space.type & (STRUCTURED | COMPLEXED));
+}
+
+bool is_enclosed(const Space& space) {
+    return (space.type & ISSCALAR) && (space.type & STRUCTURED);
+}
+
+// A whole real among elements of other kinds is no different from an integer.
+bool whole_as_integer(const Space& space) {
+    return space.rank == 0 || (space.type & (COMPLEXED | STRUCTURED));
+}
+
+void write_condition(Writer& out, const Space& space) {
+    if (space.type & CONDITIONAL)
+        out.put(space.type & YES ? " IF_YES" : " IF_NO");
+}
+
+// The line ends that divide rows, planes and so on.
+class Rows {
+public:
+    Rows(const Space& space, bool wanted)
+        : space_(space),
+          row_(wanted && space.shape_pointer && space.elements > 1
+                   ? static_cast<std::uint32_t>(extent(space, 0))
+                   : 0),
+          next_(row_) {}
+
+    /// Behind element number k, counted from 1, unless it is the last. A longer row ends only where
+    /// all shorter ones do.
+    void behind(Writer& out, std::uint32_t k) {
+        if (k != next_ || k == space_.elements)
+            return;
+        next_ += row_;
+        std::uint64_t length = row_;
+        for (std::int32_t axis = 0; k % length == 0; length *= length_of(axis)) {
+            out.put('\n');
+            if (++axis == space_.rank)
+                return;
+        }
+    }
+
+private:
+    std::uint64_t length_of(std::int32_t axis) const {
+        return static_cast<std::uint64_t>(std::max(extent(space_, axis), 1));
+    }
+
+    const Space& space_;
+    std::uint32_t row_;
+    std::uint32_t next_;
+};
+
+// One element after the other, with line ends and seams between them.
+template <class One>
+void write_each(Writer& out, const Space& space, bool lines, One one) {
+    Rows rows(space, lines);
+    std::uint32_t seam = elements_in_a_hundred;
+    for (std::uint32_t i = 0; i < space.elements;) {
+        one(i);
+        ++i;
+        rows.behind(out, i);
+        if (i == seam) {
+            out.seam();
+            seam += elements_in_a_hundred;
+        }
+    }
+}
+
+void write_shape(Writer& out, const Space& space) {
+    out.put(" [");
+    for (std::int32_t axis = 0; axis < space.rank; ++axis) {
+        out.put(' ');
+        write_integer(out, extent(space, axis));
+    }
+    out.put(" ]");
+}
+
+void write_quoted_bits(Writer& out, std::uint8_t byte) {
+    out.put("`0#");
+    write_bits(out, byte, 8);
+    out.put('`');
+}
+
+// A character or a text without quotes, from a packed block: row by row.
+void write_packed_text(Writer& out, const Space& text) {
+    const auto* bytes = static_cast<const char*>(text.data_pointer);
+    write_each(out, text, true, [&](std::uint32_t i) { out.put(bytes[i]); });
+}
+
+void write_plain_text(Writer& out, const Space& text) {
+    if (!(text.type & ISINPLACE) && storage_of(text.data_pointer) == Storage::character) {
+        write_packed_text(out, text);
+        return;
+    }
+    write_each(out, text, true, [&](std::uint32_t i) {
+        const Element element = element_at(text, i);
+        if (element.tag == tag::unicode)
+            write_hexadecimal(out, element.unicode);
+        else
+            out.put(static_cast<char>(element.character));
+    });
+}
+
+// What the scanner would not take as it stands inside quotes: a double quote, the byte that ends
+// all input, a backquote that could open bits.
+bool needs_bits(std::uint8_t byte, const Space& text, std::uint32_t i) {
+    if (byte == '`')
+        return i + 1 < text.elements && element_at(text, i + 1).character == '0';
+    return byte == '"' || byte == 0;
+}
+
+void write_quoted_text(Writer& out, const Space& text, Place place) {
+    const bool source = place.style == Style::source;
+    // A single quoted byte in an array would be an element, not a text.
+    const bool all_bits = source && place.item && text.elements == 1;
+    out.put(" '");
+    write_each(out, text, false, [&](std::uint32_t i) {
+        const Element element = element_at(text, i);
+        const std::uint8_t byte = element.character;
+        if (element.tag == tag::unicode)
+            write_hexadecimal(out, element.unicode);
+        else if (element.form == form::binary || all_bits || (source && needs_bits(byte, text, i)))
+            write_quoted_bits(out, byte);
+        else
+            out.put(byte == '\'' ? std::string_view("''")
+                                 : std::string_view(reinterpret_cast<const char*>(&byte), 1));
+    });
+    out.put('\'');
+}
+
+void write_text(Writer& out, const Space& text, Place place) {
+    if (place.style == Style::display) {
+        if (place.level != 0)
+            out.put(' ');
+        write_plain_text(out, text);
+    } else {
+        write_quoted_text(out, text, place);
+    }
+    // A single quoted character is a scalar without its shape.
+    const bool single = place.style == Style::source && text.rank == 1 && text.elements == 1;
+    const bool nested = place.level != 0 || place.style != Style::display;
+    if (nested && (text.rank > 1 || single) && !(text.type & ISSCALAR))
+        write_shape(out, text);
+}
+
+bool has_brackets(const Space& space, Place place) {
+    if (place.style == Style::source)
+        return true;
+    return space.depth != 0 && (place.level != 0 || place.style != Style::display);
+}
+
+bool is_bracketed_list(const Space& space, Place place) {
+    return space.rank > 0 && has_data(space) && !(space.type & ISEMPTY) && !is_text(space)
+           && !is_enclosed(space) && has_brackets(space, place);
+}
+
+// In display a text shows in quotes; any other value stands between two blanks, the first of which
+// is that of its bracket if it has one.
+void write_subarray(Writer& out, const Space& inner, Place place, bool& joined) {
+    Place within{place.level + 1, place.style, true};
+    joined = false;
+    if (place.style != Style::display) {
+        write_value(out, inner, within);
+        return;
+    }
+    if (inner.type & HASASCII) {
+        within.style = Style::quoted;
+        write_value(out, inner, within);
+        joined = true;
+        return;
+    }
+    if (!is_bracketed_list(inner, within))
+        out.put(' ');
+    write_value(out, inner, within);
+    out.put(' ');
+}
+
+void write_integers(Writer& out, const Space& space, Place place) {
+    const auto* values = static_cast<const std::int32_t*>(space.data_pointer);
+    write_each(out, space, place.style == Style::display, [&](std::uint32_t i) {
+        char* at = out.room(number_room + 1);
+        *at = ' ';
+        out.advance(number_text(at + 1, values[i]));
+    });
+}
+
+void write_reals(Writer& out, const Space& space) {
+    const auto* values = static_cast<const double*>(space.data_pointer);
+    write_each(out, space, true, [&](std::uint32_t i) {
+        char* at = out.room(number_room + 1);
+        *at = ' ';
+        out.advance(number_text(at + 1, values[i], display_digits));
+    });
+}
+
+// The elements of an array or an enclosed value. Packed numbers that need no look at each one's
+// form have loops of their own.
+void write_elements(Writer& out, const Space& space, Place place, bool& joined) {
+    if (space.type & ISINPLACE) {
+        write_element(out, element_at(space, 0), place, whole_as_integer(space), joined);
+        return;
+    }
+    const Layout layout = layout_of(space.data_pointer);
+    const bool display = place.style == Style::display;
+    const bool bits = layout.form == form::binary && !display;
+    if (layout.storage == Storage::integer && layout.form != form::boolean && !bits) {
+        write_integers(out, space, place);
+        return;
+    }
+    if (layout.storage == Storage::real && display && !whole_as_integer(space)) {
+        write_reals(out, space);
+        return;
+    }
+    write_each(out, space, display, [&](std::uint32_t i) {
+        const Element element = element_at(space, i);
+        if (element.tag != tag::subarray)
+            write_element(out, element, place, whole_as_integer(space), joined);
+        else if (write_constant_name(out, element, place))
+            joined = false;
+        else
+            write_subarray(out, *element.subarray, place, joined);
+    });
+}
+
+// Whether an array can be written as one literal: no scalar and no enclosed value stands anywhere
+// in it as a subarray.
+bool fits_literal(Writer& out, const Space& space) {
+    if (!(space.type & STRUCTURED) || !has_data(space))
+        return true;
+    guard_depth(out);
+    for (std::uint32_t i = 0; i < space.elements; ++i) {
+        const Element element = element_at(space, i);
+        if (element.tag != tag::subarray)
+            continue;
+        const Space& inner = *element.subarray;
+        const bool lone = (inner.type & ISSCALAR) && !(inner.rank == 0 && is_text(inner));
+        if (lone || !fits_literal(out, inner))
+            return false;
+    }
+    return true;
+}
+
+// An array that no literal gives: its elements one by one, then collected.
+void write_collected(Writer& out, const Space& space, Place place) {
+    const bool several_items = space.elements > 1;
+    if (several_items)
+        out.put(" [.");
+    write_each(out, space, false, [&](std::uint32_t i) {
+        const Element element = element_at(space, i);
+        bool joined = false;
+        if (element.tag == tag::subarray)
+            write_value(out, *element.subarray, place);
+        else if (!write_constant_name(out, element, place))
+            write_element(out, element, place, true, joined);
+    });
+    out.put(several_items ? " .]" : " ENCLOSE");
+    if (space.rank > 1) {
+        out.put(" (");
+        for (std::int32_t axis = 0; axis < space.rank; ++axis) {
+            out.put(' ');
+            write_integer(out, extent(space, axis));
+        }
+        out.put(" ) RESHAPE");
+    }
+}
+
+void write_list(Writer& out, const Space& space, Place place) {
+    if (place.style == Style::source && !place.item && !fits_literal(out, space)) {
+        write_collected(out, space, place);
+        return;
+    }
+    const bool brackets = has_brackets(space, place);
+    if (brackets)
+        out.put(" (");
+    bool joined = false;
+    Place within = place;
+    within.item = true;
+    write_elements(out, space, within, joined);
+    if (brackets)
+        out.put(joined && place.style == Style::display ? " " : " )");
+    const bool nested = place.level != 0 || place.style != Style::display;
+    if (nested && space.rank > 1 && !(space.type & ISSCALAR))
+        write_shape(out, space);
+}
+
+// The array that a literal between backquotes encloses; null if it takes more than a literal.
+const Space* plainly_enclosed(Writer& out, const Space& space) {
+    const Element only = element_at(space, 0);
+    if (only.tag != tag::subarray || space.depth != 0)
+        return nullptr;
+    const Space& inner = *only.subarray;
+    const bool list = inner.rank > 0 && has_data(inner) && !(inner.type & (ISSCALAR | ISEMPTY))
+                      && !is_text(inner);
+    return list && fits_literal(out, inner) ? &inner : nullptr;
+}
+
+void write_enclosed_source(Writer& out, const Space& space, Place place) {
+    if (const Space* inner = plainly_enclosed(out, space)) {
+        bool joined = false;
+        out.put(" `(");
+        write_elements(out, *inner, {place.level, place.style, true}, joined);
+        out.put(" )`");
+        if (inner->rank > 1)
+            write_shape(out, *inner);
+        return;
+    }
+    const Element only = element_at(space, 0);
+    if (only.tag == tag::subarray) {
+        write_value(out, *only.subarray, place);
+    } else {
+        bool joined = false;
+        write_element(out, only, place, true, joined);
+    }
+    out.put(" ATOM");
+}
+
+void write_enclosed(Writer& out, const Space& space, Place place) {
+    if (place.style == Style::source && has_data(space)) {
+        write_enclosed_source(out, space, place);
+        return;
+    }
+    out.put(" `(");
+    if (has_data(space)) {
+        bool joined = false;
+        const int level = place.style == Style::display ? -1 : place.level;
+        write_elements(out, space, {level, place.style, true}, joined);
+    }
+    out.put(" )`");
+    if (place.style == Style::display)
+        write_condition(out, space);
+}
+
+// What has been emptied shows as nothing where a person looks at the value itself.
+void write_empty(Writer& out, const Space& space, Place place) {
+    if (place.item && place.style == Style::source) {
+        out.put(space.type & HASASCII ? " ''" : " ()");
+    } else if (place.level == 0 && place.style == Style::display) {
+        out.put(".\n");
+    } else {
+        write_indent(out, place.level);
+        out.put("#NIL\n");
+    }
+}
+
+// A hidden constant is part of the word that it stands in front of; one that has a name shows it
+// wherever it isn't the value itself that is looked at.
+bool is_hidden(const Element& element, Place place) {
+    if (!(element.marks & mark::hidden))
+        return false;
+    return !element.named() || (place.style == Style::display && !place.item);
+}
+
+void write_scalar(Writer& out, const Space& space, Place place) {
+    if (!has_data(space)) {
+        out.put(" ???");
+        return;
+    }
+    const Element element = element_at(space, 0);
+    if (is_hidden(element, place) || write_constant_name(out, element, place))
+        return;
+    bool joined = false;
+    if (is_text(space))
+        write_text(out, space, place);
+    else if (element.tag == tag::subarray)
+        write_subarray(out, *element.subarray, place, joined);
+    else
+        write_element(out, element, place, whole_as_integer(space), joined);
+}
+
+void write_data(Writer& out, const Space& space, Place place) {
+    if (space.type & ISEMPTY)
+        write_empty(out, space, place);
+    else if (space.rank == 0)
+        write_scalar(out, space, place);
+    else if (is_enclosed(space))
+        write_enclosed(out, space, place);
+    else if (!has_data(space))
+        out.put(place.level == 0 && place.style == Style::display ? " ." : " #NIL");
+    else if (is_text(space))
+        write_text(out, space, place);
+    else
+        write_list(out, space, place);
+}
+
+} // namespace
+
+void write_value(Writer& out, const Space& space, Place place) {
+    guard_depth(out);
+    if (space.rank < 0)
+        write_cell(out, space, place);
+    else
+        write_data(out, space, place);
+    const bool instruction = space.rank == kind::OPERATOR || space.rank == kind::FUNCTION;
+    if (place.style == Style::source && !instruction)
+        write_condition(out, space);
+}
+
+} // namespace tessor

@@ -1,0 +1,74 @@
+// What the writers share: the buffer in front of a stream, and the place where a value stands.
+#pragma once
+
+#include "values/space.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <string_view>
+
+namespace tessor {
+
+/// Collects text and hands it to the stream in large pieces; the rest goes out when it dies.
+class Writer {
+public:
+    explicit Writer(std::FILE* stream) : stream_(stream) {}
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
+    ~Writer() { drain(); }
+
+    void put(char byte) {
+        *room(1) = byte;
+        ++used_;
+    }
+    void put(std::string_view text);
+
+    /// A place for up to `size` bytes (at most 256); `advance` takes what was filled.
+    char* room(std::size_t size) {
+        if (sizeof buffer_ - used_ < size)
+            drain();
+        return buffer_ + used_;
+    }
+    void advance(const char* end) { used_ = static_cast<std::size_t>(end - buffer_); }
+
+    /// Everything goes to the stream.
+    void drain();
+    /// Everything leaves the stream as well.
+    void flush();
+    /// Between two hundreds of elements: a person sees what there is, and noted signals are taken.
+    void seam();
+
+private:
+    std::FILE* stream_;
+    std::size_t used_ = 0;
+    int terminal_ = -1; ///< whether the stream is one; unknown while negative
+    char buffer_[4096];
+};
+
+/// How a value is to look: for a person; as a person sees a text that stands inside an array; and
+/// so that the scanner reads it back.
+enum class Style : std::uint8_t { display, quoted, source };
+
+/// Where a value stands.
+struct Place {
+    int level = 0;
+    Style style = Style::display;
+    bool item = false; ///< inside an array, where only the items of a literal can stand
+};
+
+/// A value or cell, without a prefix.
+void write_value(Writer& out, const Space& space, Place place);
+
+/// A cell of a kind below 0: an instruction, a name, a function.
+void write_cell(Writer& out, const Space& cell, Place place);
+
+/// The indent of a nesting level.
+void write_indent(Writer& out, int level);
+
+/// The number in digits.
+void write_integer(Writer& out, std::int32_t value);
+
+/// Stops with number 806 when there is too little native stack to go one level deeper.
+void guard_depth(Writer& out);
+
+} // namespace tessor

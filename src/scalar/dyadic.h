@@ -1,0 +1,276 @@
+// Making a dyadic verb from its element operation.
+//
+// An operation is a record with
+//     static constexpr Rules rules;
+//     apply(l, r)          overloads on value types; pairs without one are refused
+//     flops(l, r, result)  the flops of one element; for a result of two kinds they depend on
+//                          nothing but its kind
+// and where it needs them
+//     tolerance            a member that gets the comparison tolerance
+//     look(l, r, Looks)    form and marks of the result, for pairs that differ from usual_look
+//     keeps_left(l, r)     the result is one of the operands: which one
+#pragma once
+
+#include "scalar/compare.h"
+#include "scalar/loops.h"
+#include "values/shared.h"
+
+#include <array>
+
+namespace tessor {
+
+/// form and marks of the operands; over_right: the result is written over the right one.
+struct Looks {
+    Look left;
+    Look right;
+    bool over_right;
+};
+
+constexpr Look passing(Look look) {
+    return {look.form, static_cast<std::uint16_t>(look.marks & passing_marks)};
+}
+
+/// What results look like unless the verb says otherwise: truth values boolean, degrees logical, a
+/// complex result as its complex operand, the left one of two; all others plain numbers.
+template <class L, class R, class Out>
+constexpr Look usual_look(const Looks& looks) {
+    if constexpr (std::same_as<Out, Truth>)
+        return {form::boolean, 0};
+    else if constexpr (std::same_as<Out, Degree>)
+        return {form::logical, 0};
+    else if constexpr (std::same_as<Out, Complex>)
+        return passing(std::same_as<L, Complex> ? looks.left : looks.right);
+    else
+        return {form::number, 0};
+}
+
+template <class Op, class L, class R>
+concept Applies = requires(const Op op, L l, R r) {
+    op.apply(l, r);
+};
+
+/// The kernel of one pair of value types.
+template <class Op, class L, class R>
+struct Pair {
+    using Out = decltype(std::declval<const Op&>().apply(std::declval<L>(), std::declval<R>()));
+    static constexpr bool selects = requires(const Op op, L l, R r) { op.keeps_left(l, r); };
+    static constexpr bool simd = vector_pair<L, R>;
+
+    static Look look_of(const Looks& looks) {
+        if constexpr (requires { Op::look(L{}, R{}, looks); })
+            return Op::look(L{}, R{}, looks);
+        else
+            return usual_look<L, R, Out>(looks);
+    }
+
+    static bool look(Look left, Look right, bool over_right, Look& result) {
+        if constexpr (selects) {
+            result = passing(left);
+            return left == right;
+        } else {
+            result = look_of({left, right, over_right});
+            return true;
+        }
+    }
+
+    // One operand single, or none: a loop of its own for each where it can be vector code.
+    template <bool wide, bool left_single, bool right_single>
+    static Tally shaped(const Op& op, const Stretch& s, void* room) {
+        const auto* left = static_cast<const typename Stored<L>::Item*>(s.left);
+        const auto* right = static_cast<const typename Stored<R>::Item*>(s.right);
+        const std::uint32_t n = s.n;
+        const L first_left = Stored<L>::load(left, 0);
+        const R first_right = Stored<R>::load(right, 0);
+        return run_loop<simd>([=]() __attribute__((always_inline)) {
+            return loop<wide, Out>(
+                n, room, [=](std::size_t i, std::uint32_t & flops) __attribute__((always_inline)) {
+                    const L l = left_single ? first_left : Stored<L>::load(left, i);
+                    const R r = right_single ? first_right : Stored<R>::load(right, i);
+                    const Out result = op.apply(l, r);
+                    if constexpr (!Stored<Out>::two_kinds)
+                        flops += static_cast<std::uint32_t>(op.flops(l, r, result));
+                    return result;
+                });
+        });
+    }
+    template <bool wide>
+    static Tally stepped(const Op& op, const Stretch& s, void* room) {
+        const auto* left = static_cast<const typename Stored<L>::Item*>(s.left);
+        const auto* right = static_cast<const typename Stored<R>::Item*>(s.right);
+        const std::size_t left_step = s.left_single ? 0 : 1;
+        const std::size_t right_step = s.right_single ? 0 : 1;
+        return loop<wide, Out>(s.n, room, [&](std::size_t i, std::uint32_t& flops) {
+            const L l = Stored<L>::load(left, i * left_step);
+            const R r = Stored<R>::load(right, i * right_step);
+            const Out result = op.apply(l, r);
+            if constexpr (!Stored<Out>::two_kinds)
+                flops += static_cast<std::uint32_t>(op.flops(l, r, result));
+            return result;
+        });
+    }
+
+    template <bool wide>
+    static Tally run(const void* record, const Stretch& s, void* room) {
+        const Op& op = *static_cast<const Op*>(record);
+        if constexpr (!simd)
+            return stepped<wide>(op, s, room);
+        else if (s.right_single)
+            return shaped<wide, false, true>(op, s, room);
+        else if (s.left_single)
+            return shaped<wide, true, false>(op, s, room);
+        else
+            return shaped<wide, false, false>(op, s, room);
+    }
+
+    static constexpr int kind_flops(bool integer) {
+        return Op::flops(L{}, R{}, Stored<Out>::sample(integer));
+    }
+
+    static int element(const void* record, const Element& left, const Element& right,
+                       bool over_right, Element& result) {
+        const Op& op = *static_cast<const Op*>(record);
+        const L l = Stored<L>::get(left);
+        const R r = Stored<R>::get(right);
+        const Out out = op.apply(l, r);
+        if (const int number = fault_of(out))
+            return number;
+        op_flops += static_cast<double>(op.flops(l, r, out));
+        Stored<Out>::put(result, out);
+        const Looks looks{{left.form, left.marks}, {right.form, right.marks}, over_right};
+        Look found;
+        if constexpr (selects)
+            found = passing(op.keeps_left(l, r) ? looks.left : looks.right);
+        else
+            found = look_of(looks);
+        result.form = found.form;
+        result.marks = found.marks;
+        return 0;
+    }
+
+    static constexpr Kernel kernel = make_kernel<Pair, Out>();
+};
+
+template <class Op, class L, class R>
+constexpr const Kernel* pair_kernel() {
+    if constexpr (Applies<Op, L, R>)
+        return &Pair<Op, L, R>::kernel;
+    else
+        return nullptr;
+}
+
+template <class Op, class L>
+constexpr void fill_row(const Kernel* (&row)[tags]) {
+    row[tag::ascii] = pair_kernel<Op, L, Character>();
+    row[tag::integer] = pair_kernel<Op, L, std::int32_t>();
+    row[tag::real] = pair_kernel<Op, L, double>();
+    row[tag::complex] = pair_kernel<Op, L, Complex>();
+    row[tag::quaternion] = pair_kernel<Op, L, Quaternion>();
+    row[tag::octonion] = pair_kernel<Op, L, Octonion>();
+}
+
+template <class Op>
+constexpr DyadicVerb dyadic_verb(VerbFunction verb) {
+    DyadicVerb made{Op::rules, {}, verb};
+    fill_row<Op, Character>(made.kernels[tag::ascii]);
+    fill_row<Op, std::int32_t>(made.kernels[tag::integer]);
+    fill_row<Op, double>(made.kernels[tag::real]);
+    fill_row<Op, Complex>(made.kernels[tag::complex]);
+    fill_row<Op, Quaternion>(made.kernels[tag::quaternion]);
+    fill_row<Op, Octonion>(made.kernels[tag::octonion]);
+    return made;
+}
+
+// Two scalars in place: no loop, no block.
+
+inline void put_in_place(Space& space, std::int32_t value) {
+    space.tag = tag::integer;
+    space.integer = value;
+}
+inline void put_in_place(Space& space, double value) {
+    space.tag = tag::real;
+    space.real = value;
+}
+inline void put_in_place(Space& space, Truth value) {
+    put_in_place(space, std::int32_t{value.value});
+}
+inline void put_in_place(Space& space, Degree value) {
+    put_in_place(space, value.value);
+}
+inline void put_in_place(Space& space, const Promoted& value) {
+    if (value.fits)
+        put_in_place(space, value.whole);
+    else
+        put_in_place(space, value.value);
+}
+inline void put_in_place(Space& space, Quotient value) {
+    if (Stored<Quotient>::fits(value))
+        put_in_place(space, static_cast<std::int32_t>(value.value));
+    else
+        put_in_place(space, value.value);
+}
+template <RealLike Usual, RealLike Other>
+void put_in_place(Space& space, const Either<Usual, Other>& value) {
+    if (value.is_usual)
+        put_in_place(space, value.usual);
+    else
+        put_in_place(space, value.other);
+}
+
+inline std::int32_t value_in_place(const Space& space, std::int32_t) {
+    return space.integer;
+}
+inline double value_in_place(const Space& space, double) {
+    return space.real;
+}
+
+template <class L, class R, class Op>
+[[gnu::always_inline]] inline void scalar_pair(const Op& op, Space& left, const Space& right) {
+    const L l = value_in_place(left, L{});
+    const R r = value_in_place(right, R{});
+    const auto result = op.apply(l, r);
+    const Looks looks{{left.form, left.marks}, {right.form, right.marks}, false};
+    const Look look = Pair<Op, L, R>::look_of(looks);
+    op_flops += static_cast<double>(op.flops(l, r, result));
+    put_in_place(left, result);
+    left.form = look.form;
+    left.marks = look.marks;
+    left.type = (left.type & ~0x407f40u) | (right.type & ISPROBABLE) | kind_bit(left.tag);
+}
+
+/// Runs the verb on two numbers in place; false if the operands are anything else.
+template <class Op>
+bool scalar_road(const Op& op, Space** top, signed char mode) {
+    Space& right = **top;
+    Space& left = (*top)[-1];
+    if (!(left.type & right.type & ISINPLACE) || ((left.type | right.type) & Op::rules.refused))
+        return false;
+    const bool left_real = left.tag == tag::real;
+    const bool right_real = right.tag == tag::real;
+    if (left.tag < tag::integer || right.tag < tag::integer)
+        return false;
+    op_flops = mode < 0 ? 0.0 : 1.0;
+    if (left_real && right_real)
+        scalar_pair<double, double>(op, left, right);
+    else if (left_real)
+        scalar_pair<double, std::int32_t>(op, left, right);
+    else if (right_real)
+        scalar_pair<std::int32_t, double>(op, left, right);
+    else
+        scalar_pair<std::int32_t, std::int32_t>(op, left, right);
+    *top = &left;
+    count_operations(1);
+    return true;
+}
+
+/// The whole of a dyadic verb.
+template <class Op, VerbFunction verb>
+void dyadic(Space** top, const Space* cell, Space* quads, signed char mode) {
+    static constexpr DyadicVerb table = dyadic_verb<Op>(verb);
+    Op op;
+    if constexpr (requires { op.tolerance; })
+        op.tolerance = comparison_tolerance(quads);
+    if (!scalar_road(op, top, mode))
+        run_dyadic(table, &op, top, cell, quads, mode);
+}
+
+} // namespace tessor

@@ -1,0 +1,141 @@
+// Making a monadic verb from its element operation.
+//
+// An operation is a record with
+//     static constexpr Rules rules;
+//     apply(x)             overloads on value types; tags without one are refused
+//     flops(x, result)     the flops of one element, as in dyadic.h
+//     look(x, Look)        form and marks of the result
+// and where it needs it
+//     refuses(x, Look)     the number to report for an element that looks like this; 0: none
+#pragma once
+
+#include "scalar/dyadic.h"
+
+namespace tessor {
+
+inline constexpr std::uint32_t monadic_counted = numeric_kinds | HASASCII;
+
+/// A form of 4 stays, any other becomes a plain number.
+constexpr std::uint16_t keep_binary(std::uint16_t form) {
+    return form == form::binary ? form : std::uint16_t{form::number};
+}
+/// Cartesian and polar stay, any other form becomes a plain number.
+constexpr std::uint16_t keep_cartesian(std::uint16_t form) {
+    return form == form::cartesian || form == form::polar ? form : std::uint16_t{form::number};
+}
+/// passing() without the letter r.
+constexpr std::uint16_t marks_without_r(std::uint16_t marks) {
+    return static_cast<std::uint16_t>(marks & 0x3eff);
+}
+
+/// The kernel of one value type.
+template <class Op, class T>
+struct Single {
+    using Out = decltype(std::declval<const Op&>().apply(std::declval<T>()));
+
+    static int refusal(const Look& look) {
+        if constexpr (requires { Op::refuses(T{}, look); })
+            return Op::refuses(T{}, look);
+        else
+            return 0;
+    }
+
+    static bool look(Look operand, Look, bool, Look& result) {
+        if (refusal(operand))
+            return false;
+        result = Op::look(T{}, operand);
+        return true;
+    }
+
+    template <bool wide>
+    static Tally run(const void* record, const Stretch& s, void* room) {
+        const Op op = *static_cast<const Op*>(record);
+        const auto* items = static_cast<const typename Stored<T>::Item*>(s.left);
+        const std::uint32_t n = s.n;
+        return run_loop<RealLike<T>>([=]() __attribute__((always_inline)) {
+            return loop<wide, Out>(
+                n, room, [=](std::size_t i, std::uint32_t & flops) __attribute__((always_inline)) {
+                    const T x = Stored<T>::load(items, i);
+                    const Out result = op.apply(x);
+                    if constexpr (!Stored<Out>::two_kinds)
+                        flops += static_cast<std::uint32_t>(op.flops(x, result));
+                    return result;
+                });
+        });
+    }
+
+    static constexpr int kind_flops(bool integer) {
+        return Op::flops(T{}, Stored<Out>::sample(integer));
+    }
+
+    static int element(const void* record, const Element& operand, const Element&, bool,
+                       Element& result) {
+        const Op& op = *static_cast<const Op*>(record);
+        const Look operand_look{operand.form, operand.marks};
+        if (const int number = refusal(operand_look))
+            return number;
+        const T x = Stored<T>::get(operand);
+        const Out out = op.apply(x);
+        if (const int number = fault_of(out))
+            return number;
+        op_flops += static_cast<double>(op.flops(x, out));
+        const Look found = Op::look(x, operand_look);
+        Stored<Out>::put(result, out);
+        result.form = found.form;
+        result.marks = found.marks;
+        return 0;
+    }
+
+    static constexpr Kernel kernel = make_kernel<Single, Out>();
+};
+
+template <class Op, class T>
+constexpr const Kernel* single_kernel() {
+    if constexpr (requires(const Op op, T x) { op.apply(x); })
+        return &Single<Op, T>::kernel;
+    else
+        return nullptr;
+}
+
+template <class Op>
+constexpr MonadicVerb monadic_verb(VerbFunction verb) {
+    MonadicVerb made{Op::rules, {}, verb};
+    made.kernels[tag::ascii] = single_kernel<Op, Character>();
+    made.kernels[tag::integer] = single_kernel<Op, std::int32_t>();
+    made.kernels[tag::real] = single_kernel<Op, double>();
+    made.kernels[tag::complex] = single_kernel<Op, Complex>();
+    made.kernels[tag::quaternion] = single_kernel<Op, Quaternion>();
+    made.kernels[tag::octonion] = single_kernel<Op, Octonion>();
+    return made;
+}
+
+template <class T, class Op>
+[[gnu::always_inline]] inline void scalar_single(const Op& op, Space& space) {
+    const T x = value_in_place(space, T{});
+    const auto result = op.apply(x);
+    const Look look = Op::look(x, Look{space.form, space.marks});
+    op_flops += static_cast<double>(op.flops(x, result));
+    put_in_place(space, result);
+    space.form = look.form;
+    space.marks = look.marks;
+    space.type = (space.type & ~0x407f40u) | kind_bit(space.tag);
+}
+
+/// The whole of a monadic verb.
+template <class Op, VerbFunction verb>
+void monadic(Space** top, const Space* cell, Space* quads, signed char mode) {
+    static constexpr MonadicVerb table = monadic_verb<Op>(verb);
+    Op op;
+    if constexpr (requires { op.tolerance; })
+        op.tolerance = comparison_tolerance(quads);
+    Space& operand = **top;
+    if (!(operand.type & ISINPLACE) || operand.tag < tag::integer)
+        return run_monadic(table, &op, top, cell, quads, mode);
+    if (operand.tag == tag::real)
+        scalar_single<double>(op, operand);
+    else
+        scalar_single<std::int32_t>(op, operand);
+    count_operations(1);
+}
+
+} // namespace tessor

@@ -1,0 +1,25 @@
+#include "scalar/ordering.h"
+#include "scalar/verbs.h"
+
+namespace tessor {
+
+namespace {
+
+// A NaN is not greater either.
+struct NotGreater {
+    template <class T>
+    static bool exact(T l, T r) {
+        return l <= r;
+    }
+    static bool places(double difference, double tolerance) {
+        return !(difference > 0) | (difference <= tolerance);
+    }
+};
+
+} // namespace
+
+void notgreater(Space** top, const Space* cell, Space* quads, signed char mode) {
+    dyadic<Ordering<NotGreater>, notgreater>(top, cell, quads, mode);
+}
+
+} // namespace tessor

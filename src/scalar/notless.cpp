@@ -1,0 +1,24 @@
+#include "scalar/ordering.h"
+#include "scalar/verbs.h"
+
+namespace tessor {
+
+namespace {
+
+struct NotLess {
+    template <class T>
+    static bool exact(T l, T r) {
+        return l >= r;
+    }
+    static bool places(double difference, double tolerance) {
+        return (difference >= 0) | (-difference <= tolerance);
+    }
+};
+
+} // namespace
+
+void notless(Space** top, const Space* cell, Space* quads, signed char mode) {
+    dyadic<Ordering<NotLess>, notless>(top, cell, quads, mode);
+}
+
+} // namespace tessor

@@ -1,0 +1,30 @@
+// LESS and its like: truth values, from exact comparison of integers and characters and from the
+// places of all other numbers on the real line.
+#pragma once
+
+#include "scalar/dyadic.h"
+
+namespace tessor {
+
+/// Order::exact compares two values of one type; Order::places decides by the difference of the
+/// places and the tolerance.
+template <class Order>
+struct Ordering {
+    static constexpr Rules rules{.refused = ISADDRESS};
+    double tolerance = default_tolerance;
+
+    static Truth apply(Character l, Character r) { return {Order::exact(l.byte, r.byte)}; }
+    static Truth apply(std::int32_t l, std::int32_t r) { return {Order::exact(l, r)}; }
+    template <Number L, Number R>
+    Truth apply(const L& l, const R& r) const {
+        return {Order::places(signed_magnitude(l) - signed_magnitude(r), tolerance)};
+    }
+
+    static int flops(Character, Character, Truth) { return 0; }
+    template <Number L, Number R>
+    static int flops(const L& l, const R& r, Truth) {
+        return comparison_flops(l, r);
+    }
+};
+
+} // namespace tessor

@@ -1,0 +1,36 @@
+// The scalar verbs, one function each.
+//
+// All take the address of the top pointer, the current cell (for reports), the system values, and a
+// mode: 0 top level; 1 as 0, but no operand block may be overwritten; -2 no workers; -1 as -2, but
+// no operand block may be overwritten. A dyadic verb leaves its result in the left operand's cell
+// and pops one; a monadic verb replaces the top value. Failures throw ErrorJump or OutOfStorage.
+#pragma once
+
+#include "values/space.h"
+
+namespace tessor {
+
+// monadic
+void conjugate(Space** top, const Space* cell, Space* quads, signed char mode);
+void negative(Space** top, const Space* cell, Space* quads, signed char mode);
+
+// dyadic arithmetic
+void add(Space** top, const Space* cell, Space* quads, signed char mode);
+void subtract(Space** top, const Space* cell, Space* quads, signed char mode);
+void multiply(Space** top, const Space* cell, Space* quads, signed char mode);
+void divide(Space** top, const Space* cell, Space* quads, signed char mode);
+void residue(Space** top, const Space* cell, Space* quads, signed char mode);
+void minimum(Space** top, const Space* cell, Space* quads, signed char mode);
+void maximum(Space** top, const Space* cell, Space* quads, signed char mode);
+
+// comparison
+void identical(Space** top, const Space* cell, Space* quads, signed char mode);
+void notidentical(Space** top, const Space* cell, Space* quads, signed char mode);
+void less(Space** top, const Space* cell, Space* quads, signed char mode);
+void notgreater(Space** top, const Space* cell, Space* quads, signed char mode);
+void equivalent(Space** top, const Space* cell, Space* quads, signed char mode);
+void notless(Space** top, const Space* cell, Space* quads, signed char mode);
+void greater(Space** top, const Space* cell, Space* quads, signed char mode);
+void notequivalent(Space** top, const Space* cell, Space* quads, signed char mode);
+
+} // namespace tessor

@@ -1,0 +1,202 @@
+#include "shell/console.h"
+
+#include "engine/machine.h"
+#include "engine/signals.h"
+#include "frontend/symtab.h"
+#include "io/writers/exception.h"
+#include "parallel/coprocessor.h"
+#include "shell/dispatch.h"
+#include "shell/options.h"
+#include "shell/version.h"
+#include "values/block.h"
+#include "values/messages.h"
+#include "values/native_stack.h"
+#include "values/refderef.h"
+#include "values/shared.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+namespace tessor {
+
+namespace {
+
+// Text comes and goes in pieces of this size; what is shown is flushed where a person, or a
+// program at the other end of the pipe, waits for it.
+constexpr std::size_t stream_buffer = 1 << 16;
+char input_buffer[stream_buffer];
+char output_buffer[stream_buffer];
+
+void buffer_streams() {
+    std::setvbuf(stdin, input_buffer, _IOFBF, sizeof input_buffer);
+    std::setvbuf(stdout, output_buffer, isatty(STDOUT_FILENO) ? _IOLBF : _IOFBF,
+                 sizeof output_buffer);
+}
+
+double clock_reading() {
+    timeval now;
+    gettimeofday(&now, nullptr);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_usec) / 1e6;
+}
+
+// The streams that the options ask for.
+struct Pool {
+    std::int32_t streams = 1; ///< the main thread included
+    std::int32_t thrds = 1;
+};
+
+Pool size_pool(const Options& options) {
+    Pool pool;
+    if (options.processors != 0) {
+        constexpr std::uint64_t most = 0x7fffffff;
+        const std::uint64_t asked = std::uint64_t{options.processors} * options.thrds + 1;
+        pool.streams = static_cast<std::int32_t>(std::min(asked, most));
+        pool.thrds = static_cast<std::int32_t>(options.thrds);
+    }
+    return pool;
+}
+
+void raise_limit(decltype(RLIMIT_DATA) resource) {
+    rlimit limit;
+    if (getrlimit(resource, &limit) != 0) {
+        std::fflush(stdout);
+        std::fprintf(stderr, "Cannot set limits: %s\n", std::strerror(errno));
+        return;
+    }
+    if (limit.rlim_cur < limit.rlim_max) {
+        limit.rlim_cur = limit.rlim_max;
+        setrlimit(resource, &limit);
+    }
+}
+
+constexpr double default_physmem = 16777216.0;
+
+double physical_memory() {
+    const double bytes =
+        static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
+    return bytes > 0 ? bytes : default_physmem;
+}
+
+// `together` is the number of threads that share the work.
+void report_clock(std::int32_t together) {
+    if (!processor_performance)
+        return;
+    if (together > 1)
+        std::printf("\nCumulative clock: %lld MHz", static_cast<long long>(MHz) * together);
+    else
+        std::printf(", Clock: %d MHz", MHz);
+}
+
+void report_pool(const Pool& pool, double physmem) {
+    if (pool.streams == 1)
+        std::fputs("Single processor", stdout);
+    else
+        std::printf("Processors: %d, Threads: %d", (pool.streams - 1) / pool.thrds, pool.streams);
+    report_clock(pool.streams);
+    std::fputs("\n\n", stdout);
+    if (physmem != default_physmem) {
+        const double mebibytes =
+            physmem >= 2147483647.0 ? 2047.9999990463257 : physmem / (1024.0 * 1024.0);
+        std::printf("Available memory: %g MiB\n", mebibytes);
+    }
+    std::putchar('\n');
+}
+
+// Everything between the options and the first prompt. Returns the clock at the start.
+double start(const Options& options) {
+    if (!options.quiet)
+        print_banner();
+    const Pool pool = size_pool(options);
+    raise_limit(RLIMIT_DATA);
+    raise_limit(RLIMIT_STACK);
+    measure_native_stack();
+    const double physmem = physical_memory();
+    if (!options.quiet)
+        report_pool(pool, physmem);
+    const double starttime = clock_reading();
+    fill_dispatch();
+    start_symbols();
+    sp = stack;
+    A_Problem = 0;
+    install_signals();
+    if (!options.quiet)
+        exception(0, nullptr, nullptr);
+    MIN_PARALLEL = static_cast<std::int32_t>(processors) * 1001;
+    verbs = 0;
+    return starttime;
+}
+
+void prompt() {
+    std::printf("\n\nTessor [%ld]> ", static_cast<long>(sp - stack));
+    std::fflush(stdout);
+}
+
+// One sentence of standard input, compiled and run.
+void read_and_run() {
+    CellBuffer buffer;
+    fill_reading(buffer.cells(), variables, stdin, nullptr, LineEnd::blank);
+    stacktop = stack + stack_cells - 2;
+    operations = 0;
+    operators = 0;
+    sp = machine(buffer.cells(), variables, stack + 1, stack + 1, sp, quads, 0);
+}
+
+void read_execute_loop(bool quiet) {
+    while (!endprocess) {
+        if (!quiet)
+            prompt();
+        read_and_run();
+        std::fflush(stdout);
+        verbs += operators;
+    }
+}
+
+void release_everything() {
+    while (sp > stack)
+        dereferencepoint(sp--);
+    hashwipe(memory);
+}
+
+void report_spent(double spent) {
+    const auto seconds = static_cast<long>(spent);
+    const auto hours = static_cast<int>(seconds / 3600);
+    const auto minutes = static_cast<int>(seconds / 60 % 60);
+    const auto microseconds = static_cast<int>((spent - static_cast<double>(seconds)) * 1e6);
+    std::printf("--- Spent: %.2d:%.2d:%.2d.%.06d ---\n\n", hours, minutes,
+                static_cast<int>(seconds % 60), microseconds);
+}
+
+void end(const Options& options, double starttime) {
+    if (!options.quiet)
+        std::printf("\n%s\n", errors(999));
+    std::putchar('\n');
+    release_everything();
+    report_spent(std::max(clock_reading() - starttime, 0.0));
+    std::fflush(stdout);
+}
+
+} // namespace
+
+int console(int argc, char** argv) {
+    buffer_streams();
+    Options options;
+    if (const auto code = read_options(argc, argv, options))
+        return *code;
+    try {
+        const double starttime = start(options);
+        read_execute_loop(options.quiet);
+        end(options, starttime);
+    } catch (const OutOfStorage&) {
+        std::fflush(stdout);
+        std::fprintf(stderr, "\n%s\n", errors(27));
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace tessor

@@ -1,0 +1,5 @@
+#include "shell/console.h"
+
+int main(int argc, char** argv) {
+    return tessor::console(argc, argv);
+}

@@ -1,0 +1,21 @@
+// The guard at the door of every recursion on the native stack.
+#pragma once
+
+#include <cstdint>
+
+namespace tessor {
+
+/// Lowest address that a recursion may reach; set by measure_native_stack.
+extern std::uintptr_t native_stack_floor;
+
+/// Reads the stack limit of this process and leaves a reserve for what runs without a guard of its
+/// own. Call it once at start-up, on the main thread.
+void measure_native_stack();
+
+/// True while there is enough native stack to go one level deeper; false is number 806.
+inline bool stack_guard() {
+    char here;
+    return reinterpret_cast<std::uintptr_t>(&here) > native_stack_floor;
+}
+
+} // namespace tessor

@@ -2,10 +2,10 @@
 
 #include "io/writers/exception.h"
 #include "values/block.h"
-#include "values/native_stack.h"
 #include "values/refderef.h"
 
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace tessor {
@@ -32,10 +32,15 @@ void take_off_chain(Activation& run, const HashTable* hash) {
     for (const MeaningTable* link = run.table; link != run.entry; link = link->outer)
         if (link->hash != hash)
             others.push_back(link->hash);
-    drop(run.table);
-    run.table = hold(run.entry);
-    for (std::size_t i = others.size(); i-- > 0;)
-        put_on_chain(run.table, others[i]);
+    MeaningTable* chain = hold(run.entry);
+    try {
+        for (std::size_t i = others.size(); i-- > 0;)
+            put_on_chain(chain, others[i]);
+    } catch (...) {
+        drop(chain);
+        throw;
+    }
+    drop(std::exchange(run.table, chain));
 }
 
 // The function's own table joins the caller's chain, and stays there after the call.
@@ -77,8 +82,8 @@ Next call(Activation& run) {
         failed(run, 800);
         return Next::advance;
     }
-    if (!stack_guard())
-        return failed(run, 806);
+    if (!may_nest(run))
+        return Next::failed;
     Space* body = function.value().body;
     if (n < 0)
         return run_body(run, body, run.base, run.floor, false);

@@ -26,6 +26,12 @@ void set_everywhere(bool trace_all, bool step_all) {
         attention.fetch_and(~std::uint32_t{attend::trace});
 }
 
+void show_array(const Space& cell) {
+    PrintOut = true;
+    disass(stdout, ":\t . SPACE:\t\t", cell, 0, Mode::source);
+    PrintOut = false;
+}
+
 void show_cell(const Space& cell) {
     if (cell.rank == 0)
         dump(stdout, ":\t . SCALAR:\t\t", cell);
@@ -34,7 +40,7 @@ void show_cell(const Space& cell) {
     else if (cell.rank < 0)
         dump(stdout, ":\t", cell);
     else
-        disass(stdout, ":\t . SPACE:\t\t", cell, 0, Mode::source);
+        show_array(cell);
 }
 
 void trace_line(const Activation& run) {
@@ -63,6 +69,7 @@ void inspection_loop(Activation& run) {
         }
         stepping = false;
         run.top = machine(buffer.cells(), run.table, run.base, run.floor, run.top, run.quads, 0);
+        run.cell_top = run.top;
         stepping = true;
         clear_cells(buffer.cells());
     }

@@ -8,6 +8,7 @@
 #include "io/writers/exception.h"
 #include "parallel/coprocessor.h"
 #include "values/array.h"
+#include "values/native_stack.h"
 #include "values/refderef.h"
 #include "values/shared.h"
 
@@ -338,9 +339,8 @@ void run_to_end(Activation& run) {
 // own.
 Space* run_fresh(Activation& run) {
     FaultPoint point;
-    point.outer = fault_point;
     if (sigsetjmp(point.context, 0) == 0) {
-        fault_point = &point;
+        point.arm();
         try {
             run_to_end(run);
         } catch (const ErrorJump&) {
@@ -355,7 +355,6 @@ Space* run_fresh(Activation& run) {
         current = &run;
         leave_after_jump(run, point.top, own);
     }
-    fault_point = point.outer;
     run.left = true;
     return run.top;
 }
@@ -404,6 +403,15 @@ Space* machine(Space* first, MeaningTable* table, Space* base, Space* floor, Spa
 
 bool room(Activation& run) {
     if (run.top <= stacktop)
+        return true;
+    failed(run, 806);
+    return false;
+}
+
+bool may_nest(Activation& run) {
+    // What the innermost activation writes, its report of 806 above all, is guarded too.
+    constexpr std::size_t for_writers = std::size_t{64} << 10;
+    if (stack_guard(for_writers))
         return true;
     failed(run, 806);
     return false;

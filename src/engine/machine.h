@@ -78,6 +78,9 @@ Space* machine(Space* first, MeaningTable* table, Space* base, Space* floor, Spa
 /// Room for one more value; reports 806 and gives false if there is none.
 bool room(Activation& run);
 
+/// Native stack for one more activation; reports 806 and gives false if too little is left.
+bool may_nest(Activation& run);
+
 /// Reports a number with the activation's top and cell; what a body returns then.
 Next failed(Activation& run, int number);
 

@@ -2,7 +2,6 @@
 
 #include "engine/calls.h"
 #include "io/writers/exception.h"
-#include "values/array.h"
 #include "values/block.h"
 #include "values/refderef.h"
 
@@ -23,9 +22,9 @@ void rebind(Space& cell, MeaningTable* link, Space* value) {
 }
 
 // Keeps a late-bound cell pointing at what its name means along the current chain. True if it was
-// bound anew.
+// bound anew. A Space that is unset may have been forgotten, and the name made again.
 bool keep_bound(Activation& run, Space& cell) {
-    if (cell.target && cell.table && hash_of(cell.table) == hash_of(run.table))
+    if (is_set(cell.target) && cell.table && hash_of(cell.table) == hash_of(run.table))
         return false;
     const Bucket* found = checkmeaning(run.table, cell.name);
     if (!found) {
@@ -52,9 +51,10 @@ void mark_first(Activation& run, std::uint32_t bits) {
         run.first->type |= bits;
 }
 
-// The stack cell of the local that the cell numbers; null if the frame has no such local.
+// The stack cell of the local that the cell numbers, in a packed block of one integer; null if the
+// frame has no such local.
 Space* local_of(const Activation& run) {
-    const std::int32_t slot = element_at(*run.now, 0).integer;
+    const auto slot = *static_cast<const std::int32_t*>(run.now->data_pointer);
     return slot >= 0 && slot < run.floor - run.base ? run.base + slot : nullptr;
 }
 
@@ -64,15 +64,22 @@ Next call_verb(Activation& run) {
     return (function.type & ISOPERATOR) ? call(run) : Next::advance;
 }
 
+// An address names a place to store in. That of a local can outlive its frame: it must lie below
+// the address itself.
+bool is_storable(const Activation& run, const Space& address) {
+    if (address.rank != kind::ADDRESS || !address.target)
+        return false;
+    return !(address.type & ISLOCAL) || address.target < run.top;
+}
+
 Next store_name(Activation& run, bool keeps) {
     Space& address = *run.top;
-    if (address.rank != kind::ADDRESS)
+    if (!is_storable(run, address))
         return failed(run, 55);
     Space* target = address.target;
-    Space& value = run.top[-1];
     Held old(*target);
     Held name(address);
-    *target = value;
+    *target = run.top[-1];
     target->type &= ~(CONDITIONAL | YES);
     if (keeps)
         referencepoint(target);

@@ -1,5 +1,6 @@
 #include "engine/signals.h"
 
+#include "engine/machine.h"
 #include "io/writers/exception.h"
 #include "values/shared.h"
 
@@ -9,9 +10,9 @@
 
 namespace tessor {
 
-FaultPoint* fault_point = nullptr;
-
 namespace {
+
+FaultPoint* fault_point = nullptr;
 
 volatile std::sig_atomic_t reading = 0;
 
@@ -40,6 +41,7 @@ void handle(int signal, siginfo_t* info, void*) {
         report_signal(signal);
         if (!fault_point)
             take_default(signal);
+        fault_point->top = current ? current->top : nullptr;
         siglongjmp(fault_point->context, 1);
     }
     if (reading && is_interrupt(signal))
@@ -62,20 +64,33 @@ void install(int signal) {
 int fill_guarded(Space* cells, MeaningTable* table, std::FILE* stream, const char** text,
                  LineEnd mode) {
     FaultPoint point;
-    point.outer = fault_point;
-    int written = 0;
     if (sigsetjmp(point.context, 0) == 0) {
-        fault_point = &point;
-        written = fill(cells, table, stream, text, mode);
-    } else {
-        cells->type = 0;
-        written = 0;
+        point.arm();
+        return fill(cells, table, stream, text, mode);
     }
-    fault_point = point.outer;
-    return written;
+    cells->type = 0;
+    return 0;
 }
 
+class Reading {
+public:
+    Reading() { reading = 1; }
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+    ~Reading() { reading = 0; }
+};
+
 } // namespace
+
+FaultPoint::FaultPoint() : outer(fault_point) {}
+
+FaultPoint::~FaultPoint() {
+    fault_point = outer;
+}
+
+void FaultPoint::arm() {
+    fault_point = this;
+}
 
 void install_signals() {
     static std::array<char, 65536> signal_stack;
@@ -89,10 +104,8 @@ void install_signals() {
 
 int fill_reading(Space* cells, MeaningTable* table, std::FILE* stream, const char** text,
                  LineEnd mode) {
-    reading = 1;
-    const int written = fill_guarded(cells, table, stream, text, mode);
-    reading = 0;
-    return written;
+    const Reading now;
+    return fill_guarded(cells, table, stream, text, mode);
 }
 
 } // namespace tessor

@@ -18,11 +18,18 @@ void install_signals();
 int fill_reading(Space* cells, MeaningTable* table, std::FILE* stream, const char** text,
                  LineEnd mode);
 
-/// Where a fault of the process's own goes. Lives in the frame that calls sigsetjmp on it.
+/// Where a fault of the process's own goes: the frame that owns it has called sigsetjmp on it.
 struct FaultPoint {
     sigjmp_buf context;
     FaultPoint* outer;
+    Space* top = nullptr; ///< of the innermost activation when the fault came
+
+    FaultPoint();
+    FaultPoint(const FaultPoint&) = delete;
+    FaultPoint& operator=(const FaultPoint&) = delete;
+    ~FaultPoint();
+    /// Makes this the place, once its context is set.
+    void arm();
 };
-extern FaultPoint* fault_point;
 
 } // namespace tessor

@@ -13,6 +13,7 @@ struct Constant {
     std::int32_t tag;
     std::uint16_t form;
     double value;
+    bool hidden = false; ///< as a value it prints as nothing
 };
 
 constexpr Constant real(std::string_view spellings, std::uint64_t bits) {
@@ -72,7 +73,7 @@ constexpr auto code_signed_rows = std::to_array<Constant>({
 constexpr auto code_rows = std::to_array<Constant>({
     real("#LOGE2 #LOGe2", 0x3FE62E42FEFA39EF),
     real("#LOGE10 #LOGe10", 0x40026BB1BBB55516),
-    selector("#END", 0),
+    {"#END", tag::integer, form::constant, 0, true},
     {"#NIL", tag::none, form::text, 0},
 });
 
@@ -95,7 +96,7 @@ void try_table(Input& input, std::size_t from, const Table& table, const Rows& r
     found.text_length = from + match.text_length;
     found.element.tag = constant.tag;
     found.element.form = constant.form;
-    found.element.marks = mark::named;
+    found.element.marks = mark::named | (constant.hidden ? mark::hidden : 0);
     const double value = from ? -constant.value : constant.value;
     if (constant.tag == tag::integer)
         found.element.integer = static_cast<std::int32_t>(value);

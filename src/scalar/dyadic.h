@@ -54,7 +54,6 @@ template <class Op, class L, class R>
 struct Pair {
     using Out = decltype(std::declval<const Op&>().apply(std::declval<L>(), std::declval<R>()));
     static constexpr bool selects = requires(const Op op, L l, R r) { op.keeps_left(l, r); };
-    static constexpr bool simd = vector_pair<L, R>;
 
     static Look look_of(const Looks& looks) {
         if constexpr (requires { Op::look(L{}, R{}, looks); })
@@ -73,53 +72,51 @@ struct Pair {
         }
     }
 
-    // One operand single, or none: a loop of its own for each where it can be vector code.
+    // A loop of its own for each case of single operands where it can be vector code.
     template <bool wide, bool left_single, bool right_single>
-    static Tally shaped(const Op& op, const Stretch& s, void* room) {
+    static void shaped(const Op& op, const Stretch& s, void* room, Tally& tally) {
         const auto* left = static_cast<const typename Stored<L>::Item*>(s.left);
         const auto* right = static_cast<const typename Stored<R>::Item*>(s.right);
-        const std::uint32_t n = s.n;
         const L first_left = Stored<L>::load(left, 0);
         const R first_right = Stored<R>::load(right, 0);
-        return run_loop<simd>([=]() __attribute__((always_inline)) {
-            return loop<wide, Out>(
-                n, room, [=](std::size_t i, std::uint32_t & flops) __attribute__((always_inline)) {
-                    const L l = left_single ? first_left : Stored<L>::load(left, i);
-                    const R r = right_single ? first_right : Stored<R>::load(right, i);
-                    const Out result = op.apply(l, r);
-                    if constexpr (!Stored<Out>::two_kinds)
-                        flops += static_cast<std::uint32_t>(op.flops(l, r, result));
-                    return result;
-                });
-        });
+        const auto apply = [=](std::size_t i, std::uint32_t& flops) {
+            const L l = left_single ? first_left : Stored<L>::load(left, i);
+            const R r = right_single ? first_right : Stored<R>::load(right, i);
+            const Out result = op.apply(l, r);
+            if constexpr (!Stored<Out>::two_kinds)
+                flops += static_cast<std::uint32_t>(op.flops(l, r, result));
+            return result;
+        };
+        run_loop<true, wide, Out>(s.n, room, tally, apply);
     }
     template <bool wide>
-    static Tally stepped(const Op& op, const Stretch& s, void* room) {
+    static void stepped(const Op& op, const Stretch& s, void* room, Tally& tally) {
         const auto* left = static_cast<const typename Stored<L>::Item*>(s.left);
         const auto* right = static_cast<const typename Stored<R>::Item*>(s.right);
         const std::size_t left_step = s.left_single ? 0 : 1;
         const std::size_t right_step = s.right_single ? 0 : 1;
-        return loop<wide, Out>(s.n, room, [&](std::size_t i, std::uint32_t& flops) {
+        const auto apply = [=](std::size_t i, std::uint32_t& flops) {
             const L l = Stored<L>::load(left, i * left_step);
             const R r = Stored<R>::load(right, i * right_step);
             const Out result = op.apply(l, r);
             if constexpr (!Stored<Out>::two_kinds)
                 flops += static_cast<std::uint32_t>(op.flops(l, r, result));
             return result;
-        });
+        };
+        run_loop<false, wide, Out>(s.n, room, tally, apply);
     }
 
     template <bool wide>
-    static Tally run(const void* record, const Stretch& s, void* room) {
+    static void run(const void* record, const Stretch& s, void* room, Tally& tally) {
         const Op& op = *static_cast<const Op*>(record);
-        if constexpr (!simd)
-            return stepped<wide>(op, s, room);
+        if constexpr (!vector_pair<L, R>)
+            stepped<wide>(op, s, room, tally);
         else if (s.right_single)
-            return shaped<wide, false, true>(op, s, room);
+            shaped<wide, false, true>(op, s, room, tally);
         else if (s.left_single)
-            return shaped<wide, true, false>(op, s, room);
+            shaped<wide, true, false>(op, s, room, tally);
         else
-            return shaped<wide, false, false>(op, s, room);
+            shaped<wide, false, false>(op, s, room, tally);
     }
 
     static constexpr int kind_flops(bool integer) {

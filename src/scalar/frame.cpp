@@ -167,8 +167,8 @@ const void* values_from(const View& view, bool single, std::uint32_t first, std:
 struct Packed {
     Frame& f;
     const Kernel& kernel;
-    View left;
-    View right;
+    const View& left;
+    const View& right;
     Look look;
 
     Stretch stretch(std::uint32_t first, std::uint32_t length) const {
@@ -197,42 +197,47 @@ void between_stretches(std::uint32_t first) {
 }
 
 void count_flops(const Kernel& kernel, const Tally& tally, std::uint32_t n) {
-    op_flops += tally.flops;
-    op_flops += static_cast<double>(tally.fits) * kernel.integer_flops;
-    op_flops += static_cast<double>(n - tally.fits) * kernel.real_flops;
+    const std::uint64_t integers = std::uint64_t{tally.fits} * kernel.integer_flops;
+    const std::uint64_t reals = std::uint64_t{n - tally.fits} * kernel.real_flops;
+    op_flops += static_cast<double>(static_cast<std::int64_t>(tally.flops + integers + reals));
 }
 
 constexpr std::size_t scratch_item = sizeof(std::int32_t);
 constexpr std::uint32_t probe_length = std::min(stretch_length, 32u);
 
-// True if the first few results are narrow: before a block is taken for all.
-bool probe(const Packed& p) {
-    if (!p.kernel.wide)
-        return true;
-    const Stretch s = p.stretch(0, probe_length);
-    return !p.kernel.narrow(p.f.op, s, scratch.items).misfit;
+void take_block(const Packed& p, Outcome& out) {
+    const std::size_t item = item_size(p.kernel.storage);
+    if (!p.kernel.checked || item <= scratch_item)
+        out.reused = target_block(p.f, p.kernel.storage);
+    if (!out.reused)
+        out.fresh = BlockHandle(allocate_items(p.f.n, item, p.word(p.kernel.storage)));
 }
 
-// Items from the narrow loop, stretch by stretch, up to the first that holds a misfit.
+// Items from the narrow loop, stretch by stretch, up to the first that holds a misfit. Results that
+// may be void are formed beside an operand's block; where a wide loop may have to follow, the first
+// few are formed before a block is taken.
 void run_narrow(const Packed& p, Outcome& out) {
     const Frame& f = p.f;
     const std::size_t item = item_size(p.kernel.storage);
-    if (!p.kernel.checked || item <= scratch_item)
-        out.reused = target_block(f, p.kernel.storage);
-    if (!out.reused)
-        out.fresh = BlockHandle(allocate_items(f.n, item, p.word(p.kernel.storage)));
-    const bool buffered = p.kernel.checked && out.reused;
-    auto* items = static_cast<char*>(out.block());
+    const bool probing = p.kernel.wide != nullptr;
+    if (!probing)
+        take_block(p, out);
     while (out.done < f.n) {
         between_stretches(out.done);
-        const Stretch s = p.stretch(out.done, stretch_length);
-        char* to = items + out.done * item;
-        void* room = buffered ? static_cast<void*>(scratch.items) : to;
-        const Tally tally = p.kernel.narrow(f.op, s, room);
+        const bool probes = probing && out.done == 0;
+        const Stretch s = p.stretch(out.done, probes ? probe_length : stretch_length);
+        char* to = static_cast<char*>(out.block()) + out.done * item;
+        const bool buffered = probes || (p.kernel.checked && out.reused);
+        Tally tally;
+        p.kernel.narrow(f.op, s, buffered ? static_cast<void*>(scratch.items) : to, tally);
         if (tally.misfit)
             return;
+        if (probes) {
+            take_block(p, out);
+            to = static_cast<char*>(out.block());
+        }
         if (buffered)
-            std::memcpy(to, room, s.n * item);
+            std::memcpy(to, scratch.items, s.n * item);
         count_flops(p.kernel, tally, s.n);
         out.done += s.n;
     }
@@ -259,7 +264,8 @@ void run_wide(const Packed& p, Outcome& out) {
     while (out.done < f.n) {
         between_stretches(out.done);
         const Stretch s = p.stretch(out.done, stretch_length);
-        const Tally tally = p.kernel.wide(f.op, s, items + out.done);
+        Tally tally;
+        p.kernel.wide(f.op, s, items + out.done, tally);
         count_flops(p.kernel, tally, s.n);
         integers += tally.fits;
         out.done += s.n;
@@ -278,8 +284,7 @@ void run_packed(Frame& f, const Kernel& kernel, const View& left, const View& ri
     const bool over_right = f.target == Target::right;
     if (!kernel.look(left.look, right.look, over_right, p.look) || (p.look.marks & ~packed_marks))
         return;
-    if (probe(p))
-        run_narrow(p, out);
+    run_narrow(p, out);
     if (out.done < f.n && kernel.wide)
         run_wide(p, out);
     if (out.done == f.n && out.reused)
@@ -444,6 +449,16 @@ void run_elements(const Frame& f, const MonadicVerb& verb, ArrayBuilder& results
     }
 }
 
+// A data block of n elements that goes with its owner.
+struct OwnedData {
+    void* block;
+    std::uint32_t n;
+    OwnedData(void* owned, std::uint32_t elements) : block(owned), n(elements) {}
+    OwnedData(const OwnedData&) = delete;
+    OwnedData& operator=(const OwnedData&) = delete;
+    ~OwnedData() { release_data(block, n); }
+};
+
 // After a failure: the results so far replace the first elements of the operand that they were to
 // be written over.
 void write_back(const Frame& f, ArrayBuilder& results) {
@@ -458,16 +473,15 @@ void write_back(const Frame& f, ArrayBuilder& results) {
         count_up(slots);
     }
     const std::uint32_t kinds = results.kinds();
-    void* block = results.finish();
+    const OwnedData done(results.finish(), n);
     for (std::uint32_t i = 0; i < n; ++i) {
-        const Element element = element_of(block, i);
+        const Element element = element_of(done.block, i);
         if (element.tag == tag::subarray)
             count_up(element.subarray);
         dereferencedataelems(slots + i, 1);
         slots[i].tag = tag::filler;
         store(slots[i], element);
     }
-    release_data(block, n);
     operand.type |= kinds;
     if (several(operand.type & simple_kinds))
         operand.type |= COMPLEXED;

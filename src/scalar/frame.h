@@ -43,12 +43,13 @@ struct Kernel {
     Storage storage;      ///< of narrow results
     Storage wide_storage; ///< elements: there is no wide loop
     bool checked;         ///< narrow results may misfit
-    int integer_flops;    ///< results of two kinds: flops of an integer, and of a real; they are
-    int real_flops;       ///< not in the tally
+    std::uint32_t
+        integer_flops; ///< results of two kinds: flops of an integer, and of a real; they are
+    std::uint32_t real_flops; ///< not in the tally
     /// Narrow results of a stretch. If one misfits, all are void.
-    Tally (*narrow)(const void* op, const Stretch& stretch, void* items);
+    void (*narrow)(const void* op, const Stretch& stretch, void* items, Tally& tally);
     /// The same as doubles, whatever their kind.
-    Tally (*wide)(const void* op, const Stretch& stretch, void* items);
+    void (*wide)(const void* op, const Stretch& stretch, void* items, Tally& tally);
     /// The look of all results of operands with these looks. False: only each element can tell.
     bool (*look)(Look left, Look right, bool over_right, Look& result);
     /// One element. Counts its flops in op_flops. Returns 0, or the number to report.

@@ -27,7 +27,7 @@ constexpr auto no_misfit() {
 /// of two kinds. No result depends on another, and items overlap an operand only where both stand
 /// at the same place.
 template <bool wide, class Out, class Apply>
-[[gnu::always_inline]] inline Tally loop(std::uint32_t n, void* room, Apply apply) {
+[[gnu::always_inline]] inline void loop(std::uint32_t n, void* room, Tally* tally, Apply apply) {
     auto* items = static_cast<LoopItem<Out, wide>*>(room);
     std::uint32_t flops = 0;
     std::uint64_t fits = 0;
@@ -45,19 +45,17 @@ template <bool wide, class Out, class Apply>
                 misfits |= Stored<Out>::misfit(result);
         }
     }
-    return {flops, wide ? static_cast<std::uint32_t>(fits) : n, misfits < 0};
+    *tally = {flops, wide ? static_cast<std::uint32_t>(fits) : n, misfits < 0};
 }
 
-/// Runs a loop body with the widest vectors, or as it is.
-template <bool simd, class Body>
-Tally run_loop(Body body) {
-    Tally tally;
+/// The loop with the widest vectors, or as it is. `apply` captures by value.
+template <bool simd, bool wide, class Out, class Apply>
+void run_loop(std::uint32_t n, void* room, Tally& tally, Apply apply) {
     Tally* out = &tally;
     if constexpr (simd)
-        run_simd([=]() __attribute__((always_inline)) { *out = body(); });
+        run_simd([=]() __attribute__((always_inline)) { loop<wide, Out>(n, room, out, apply); });
     else
-        tally = body();
-    return tally;
+        loop<wide, Out>(n, room, out, apply);
 }
 
 /// The kernel of a record with run<wide>, look and element.
@@ -71,8 +69,8 @@ constexpr Kernel make_kernel() {
     if constexpr (!std::is_void_v<typename Stored<Out>::Wide>)
         kernel.wide = Functions::template run<true>;
     if constexpr (Stored<Out>::two_kinds) {
-        kernel.integer_flops = Functions::kind_flops(true);
-        kernel.real_flops = Functions::kind_flops(false);
+        kernel.integer_flops = static_cast<std::uint32_t>(Functions::kind_flops(true));
+        kernel.real_flops = static_cast<std::uint32_t>(Functions::kind_flops(false));
     }
     kernel.look = Functions::look;
     kernel.element = Functions::element;

@@ -48,20 +48,17 @@ struct Single {
     }
 
     template <bool wide>
-    static Tally run(const void* record, const Stretch& s, void* room) {
+    static void run(const void* record, const Stretch& s, void* room, Tally& tally) {
         const Op op = *static_cast<const Op*>(record);
         const auto* items = static_cast<const typename Stored<T>::Item*>(s.left);
-        const std::uint32_t n = s.n;
-        return run_loop<RealLike<T>>([=]() __attribute__((always_inline)) {
-            return loop<wide, Out>(
-                n, room, [=](std::size_t i, std::uint32_t & flops) __attribute__((always_inline)) {
-                    const T x = Stored<T>::load(items, i);
-                    const Out result = op.apply(x);
-                    if constexpr (!Stored<Out>::two_kinds)
-                        flops += static_cast<std::uint32_t>(op.flops(x, result));
-                    return result;
-                });
-        });
+        const auto apply = [=](std::size_t i, std::uint32_t& flops) {
+            const T x = Stored<T>::load(items, i);
+            const Out result = op.apply(x);
+            if constexpr (!Stored<Out>::two_kinds)
+                flops += static_cast<std::uint32_t>(op.flops(x, result));
+            return result;
+        };
+        run_loop<vector_pair<T, T>, wide, Out>(s.n, room, tally, apply);
     }
 
     static constexpr int kind_flops(bool integer) {

@@ -9,6 +9,9 @@ namespace {
 
 constexpr double pi = 3.141592653589793;
 
+// By the last component, from 4 to 7.
+constexpr int cartesianocto_flops[] = {25, 34, 41, 50};
+
 double snapped_cos(double angle) {
     return snap(std::cos(angle));
 }
@@ -139,7 +142,7 @@ void cartesianocto(double* to, const double* from, double& flops) {
     }
     to[last] = projection;
     std::fill(to + last + 1, to + 8, 0.0);
-    flops += 25 + 9 * (last - 4);
+    flops += cartesianocto_flops[last - 4];
 }
 
 int csgnquat(const double* from, double& flops) {

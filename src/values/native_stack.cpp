@@ -9,8 +9,8 @@ namespace tessor {
 
 namespace {
 
-// What a leaf of the recursion may need beyond its guard: formatting, allocation, the unwinding of a
-// failure, a signal's handler.
+// What a leaf of the recursion may need beyond its guard: formatting, allocation, the unwinding of
+// a failure, a signal's handler.
 constexpr std::size_t reserve = std::size_t{256} << 10;
 
 // A runaway recursion is to end before it has used up the machine's memory.

@@ -1,6 +1,7 @@
 // The guard at the door of every recursion on the native stack.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace tessor {
@@ -12,10 +13,11 @@ extern std::uintptr_t native_stack_floor;
 /// own. Call it once at start-up, on the main thread.
 void measure_native_stack();
 
-/// True while there is enough native stack to go one level deeper; false is number 806.
-inline bool stack_guard() {
+/// True while there is enough native stack to go one level deeper, with so many bytes to spare;
+/// false is number 806.
+inline bool stack_guard(std::size_t spare = 0) {
     char here;
-    return reinterpret_cast<std::uintptr_t>(&here) > native_stack_floor;
+    return reinterpret_cast<std::uintptr_t>(&here) > native_stack_floor + spare;
 }
 
 } // namespace tessor

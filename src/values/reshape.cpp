@@ -225,7 +225,7 @@ int reshape_data(Space* left, Space* right) {
     }
     if (right->type & STRUCTURED)
         return 1101;
-    if (right->rank < 0 || !has_data(*right))
+    if (right->rank < 0 || right->elements == 0)
         return 113;
     Extents extents = read_extents(*right);
     if (extents.number)

@@ -214,7 +214,10 @@ void write_function(Writer& out, const Space& function, int level) {
 
 } // namespace
 
+// Only a cell that stands for itself is labelled; inside a value it looks as it was typed.
 void write_cell(Writer& out, const Space& cell, Place place) {
+    if (place.level > 0 && place.style == Style::display)
+        place.style = Style::source;
     const bool display = place.style == Style::display;
     switch (cell.rank) {
     case kind::LOCAL_VARIABLE:

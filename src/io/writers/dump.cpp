@@ -7,7 +7,6 @@ namespace tessor {
 
 namespace {
 
-// The source form begins at level 0 as well; anything deeper is source in the mode asked for.
 Place place_of(int level, Mode mode) {
     return {level, mode == Mode::source ? Style::source : Style::display, false};
 }

@@ -299,8 +299,9 @@ const Space* plainly_enclosed(Writer& out, const Space& space) {
     if (only.tag != tag::subarray || space.depth != 0)
         return nullptr;
     const Space& inner = *only.subarray;
-    const bool list = inner.rank > 0 && has_data(inner) && !(inner.type & (ISSCALAR | ISEMPTY))
-                      && !is_text(inner);
+    if (inner.rank <= 0 || (inner.type & ISSCALAR) || is_text(inner))
+        return nullptr;
+    const bool list = has_data(inner) || inner.rank == 1;
     return list && fits_literal(out, inner) ? &inner : nullptr;
 }
 
@@ -308,7 +309,8 @@ void write_enclosed_source(Writer& out, const Space& space, Place place) {
     if (const Space* inner = plainly_enclosed(out, space)) {
         bool joined = false;
         out.put(" `(");
-        write_elements(out, *inner, {place.level, place.style, true}, joined);
+        if (has_data(*inner))
+            write_elements(out, *inner, {place.level, place.style, true}, joined);
         out.put(" )`");
         if (inner->rank > 1)
             write_shape(out, *inner);

@@ -11,6 +11,8 @@
 namespace tessor {
 
 void Writer::put(std::string_view text) {
+    if (text.empty())
+        return;
     if (text.size() > sizeof buffer_ - used_) {
         drain();
         if (text.size() > sizeof buffer_) {

@@ -353,6 +353,7 @@ Space* run_fresh(Activation& run) {
     } else {
         const bool own = current == &run;
         current = &run;
+        abandoned_top = nullptr;
         leave_after_jump(run, point.top, own);
     }
     run.left = true;

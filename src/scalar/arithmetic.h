@@ -20,7 +20,7 @@ struct Row {
 
 /// The product, left times right.
 template <Number L, Number R>
-requires(Hypercomplex<L> || Hypercomplex<R>) Wider<L, R> product_of(const L& l, const R& r) {
+Wider<L, R> product_of(const L& l, const R& r) requires(Hypercomplex<L> || Hypercomplex<R>) {
     Wider<L, R> result;
     product<width<L>, width<R>>(result.c, Row<L>(l).c, Row<R>(r).c);
     return result;
@@ -74,7 +74,7 @@ inline int divided_flops(const Complex& l, const Complex& r) {
 // Any two numbers of which one is hypercomplex.
 
 template <Number L, Number R>
-requires(Hypercomplex<L> || Hypercomplex<R>) Wider<L, R> multiplied(const L& l, const R& r) {
+Wider<L, R> multiplied(const L& l, const R& r) requires(Hypercomplex<L> || Hypercomplex<R>) {
     return product_of(l, r);
 }
 template <Number L, Number R>
@@ -91,7 +91,7 @@ T conjugated(const T& x) {
 
 /// Left times the inverse of right.
 template <Number L, Number R>
-requires(Hypercomplex<L> || Hypercomplex<R>) Wider<L, R> divided(const L& l, const R& r) {
+Wider<L, R> divided(const L& l, const R& r) requires(Hypercomplex<L> || Hypercomplex<R>) {
     if constexpr (RealLike<R>) {
         Wider<L, R> quotient;
         for (int i = 0; i < width<L>; ++i)

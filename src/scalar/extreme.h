@@ -24,11 +24,13 @@ struct Extreme {
         return Choice::left(x - y) ? x : y;
     }
     template <Hypercomplex T>
-    requires(taken<T>) static T apply(const T& l, const T& r) { return keeps_left(l, r) ? l : r; }
+    static T apply(const T& l, const T& r) requires(taken<T>) {
+        return keeps_left(l, r) ? l : r;
+    }
     // The winner keeps its tag.
     template <Number L, Number R>
-    requires(width<L> != width<R> && taken<L> && taken<R>) static auto apply(const L& l,
-                                                                             const R& r) {
+    static auto apply(const L& l,
+                      const R& r) requires(width<L> != width<R> && taken<L> && taken<R>) {
         const bool left = keeps_left(l, r);
         if constexpr (width<R> < width<L>)
             return Either<L, R>{l, r, left};
@@ -40,7 +42,7 @@ struct Extreme {
         return Choice::left(int{l.byte}, int{r.byte});
     }
     template <Number L, Number R>
-    requires(Hypercomplex<L> || Hypercomplex<R>) static bool keeps_left(const L& l, const R& r) {
+    static bool keeps_left(const L& l, const R& r) requires(Hypercomplex<L> || Hypercomplex<R>) {
         return Choice::left(signed_magnitude(l) - signed_magnitude(r));
     }
 

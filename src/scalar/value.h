@@ -36,11 +36,9 @@ template <int N>
 inline constexpr int width<Hyper<N>> = N;
 
 template <class T>
-concept Number = width<T> >
-0;
+concept Number = (0 < width<T>);
 template <class T>
-concept Hypercomplex = width<T> >
-1;
+concept Hypercomplex = (1 < width<T>);
 
 /// The number with the more components of two.
 template <Number L, Number R>
@@ -126,6 +124,8 @@ inline constexpr std::uint16_t passing_marks = 0x3fff;
 
 // How values and results are stored. `Item` is what a packed block of the usual form holds;
 // `checked` results may not fit it, and go over to items of the type `Wide`, if there is one.
+// Results of `two_kinds` are integers where they fit, and else reals; `sample` gives one of either
+// kind.
 
 template <class T>
 struct Stored;

@@ -1,0 +1,226 @@
+#include "scalar/roads.h"
+
+#include "values/native_stack.h"
+#include "values/refderef.h"
+
+namespace tessor {
+
+namespace {
+
+bool subarrays_allowed(const Space& space) {
+    return (space.type & (COMPLEXED | STRUCTURED)) != 0;
+}
+
+void check_subarray(const Frame& f, const Space& holder, const Element& element) {
+    if (element.tag == tag::subarray && !subarrays_allowed(holder))
+        fail(991, f.top, f.cell);
+}
+
+// Puts an operand of a recursion on the stack. A simple element becomes a scalar that goes under
+// the kinds of the value below it.
+void push(const Frame& f, const Element& element) {
+    const Space& below = **f.top;
+    Space& slot = (*f.top)[1];
+    if (element.tag == tag::subarray) {
+        slot = *element.subarray;
+        referencepoint(&slot);
+    } else {
+        make_scalar(slot, element);
+        if (element.name && element.tag != tag::quaternion)
+            count_up(element.name);
+        else if (element.tag < 0 || element.tag > tag::octonion)
+            referencedataelems(static_cast<const DataElement*>(slot.data_pointer), 1);
+        slot.type = ISSCALAR | (below.type & element_kinds) | (slot.type & ISINPLACE);
+    }
+    ++*f.top;
+}
+
+Element enclosed_top(const Frame& f) {
+    Element result;
+    result.tag = tag::subarray;
+    result.subarray = enclose(**f.top);
+    --*f.top;
+    return result;
+}
+
+Element recurse(const Frame& f, const DyadicVerb& verb, const Element& left, const Element& right) {
+    check_subarray(f, *f.left, left);
+    check_subarray(f, *f.right, right);
+    if (!stack_guard() || *f.top + 1 > stacktop)
+        fail(806, f.top, f.cell);
+    push(f, left);
+    push(f, right);
+    verb.verb(f.top, f.cell, f.quads, static_cast<signed char>(f.keep ? -1 : -2));
+    return enclosed_top(f);
+}
+
+constexpr bool in_table(std::int32_t tag) {
+    return tag >= 0 && tag < tags;
+}
+
+int refusal(const Rules& rules, const Element& left, const Element& right) {
+    if (left.tag == tag::unicode || right.tag == tag::unicode)
+        return 994;
+    const bool numbers = components_of(left.tag) + components_of(right.tag) > 0
+                         && left.tag != tag::ascii && right.tag != tag::ascii && in_table(left.tag)
+                         && in_table(right.tag);
+    const std::uint32_t kinds = kind_bit(left.tag) | kind_bit(right.tag);
+    return numbers && (kinds & rules.restricted) ? 994 : 162;
+}
+
+Element combined(const Frame& f, const DyadicVerb& verb, const Element& left,
+                 const Element& right) {
+    if (left.tag == tag::subarray || right.tag == tag::subarray)
+        return recurse(f, verb, left, right);
+    const Kernel* kernel =
+        in_table(left.tag) && in_table(right.tag) ? verb.kernels[left.tag][right.tag] : nullptr;
+    if (!kernel)
+        fail(refusal(*f.rules, left, right), f.top, f.cell);
+    Element result;
+    if (const int number = kernel->element(f.op, left, right, f.target == Target::right, result))
+        fail(number, f.top, f.cell);
+    return result;
+}
+
+void add(ArrayBuilder& results, const Element& element) {
+    try {
+        results.add(element);
+    } catch (...) {
+        if (element.tag == tag::subarray)
+            release_enclosed(element.subarray);
+        throw;
+    }
+}
+
+void run_elements(const Frame& f, const DyadicVerb& verb, ArrayBuilder& results) {
+    const Element first_left = f.left_single ? element_at(*f.left, 0) : Element{};
+    const Element first_right = f.right_single ? element_at(*f.right, 0) : Element{};
+    for (std::uint32_t i = results.size(); i < f.n; ++i) {
+        if (i % stretch_length == 0)
+            between_stretches(i);
+        const Element left = f.left_single ? first_left : element_at(*f.left, i);
+        const Element right = f.right_single ? first_right : element_at(*f.right, i);
+        add(results, combined(f, verb, left, right));
+    }
+}
+
+// The Space of a monadic recursion; on a failure nothing of it stays.
+class Copy {
+public:
+    explicit Copy(const Space& from) : space_(from) { referencepoint(&space_); }
+    Copy(const Copy&) = delete;
+    Copy& operator=(const Copy&) = delete;
+    ~Copy() { dereferencepoint(&space_); }
+    Space* get() { return &space_; }
+    Space* enclosed() {
+        Space* block = enclose(space_);
+        space_ = Space{};
+        return block;
+    }
+
+private:
+    Space space_;
+};
+
+Element transformed(const Frame& f, const MonadicVerb& verb, const Element& element) {
+    Element result;
+    if (element.tag == tag::subarray) {
+        check_subarray(f, *f.left, element);
+        if (!stack_guard())
+            fail(806, f.top, f.cell);
+        Copy copy(*element.subarray);
+        Space* top = copy.get();
+        verb.verb(&top, f.cell, f.quads, f.keep ? 1 : 0);
+        result.tag = tag::subarray;
+        result.subarray = copy.enclosed();
+        return result;
+    }
+    const Kernel* kernel = in_table(element.tag) ? verb.kernels[element.tag] : nullptr;
+    if (!kernel)
+        fail(994, f.top, f.cell);
+    if (const int number = kernel->element(f.op, element, element, false, result))
+        fail(number, f.top, f.cell);
+    return result;
+}
+
+void run_elements(const Frame& f, const MonadicVerb& verb, ArrayBuilder& results) {
+    for (std::uint32_t i = results.size(); i < f.n; ++i) {
+        if (i % stretch_length == 0)
+            between_stretches(i);
+        add(results, transformed(f, verb, element_at(*f.left, i)));
+    }
+}
+
+// A data block of n elements that goes with its owner.
+struct OwnedData {
+    void* block;
+    std::uint32_t n;
+    OwnedData(void* owned, std::uint32_t elements) : block(owned), n(elements) {}
+    OwnedData(const OwnedData&) = delete;
+    OwnedData& operator=(const OwnedData&) = delete;
+    ~OwnedData() { release_data(block, n); }
+};
+
+// After a failure: the results so far replace the first elements of the operand that they were to
+// be written over.
+void write_back(const Frame& f, ArrayBuilder& results) {
+    const std::uint32_t n = results.size();
+    if (f.target == Target::fresh || n == 0)
+        return;
+    Space& operand = f.target == Target::right ? *f.right : *f.left;
+    DataElement* slots = own_elements(operand);
+    if (f.target == Target::both) {
+        release_data(f.right->data_pointer, f.n);
+        f.right->data_pointer = slots;
+        count_up(slots);
+    }
+    const std::uint32_t kinds = results.kinds();
+    const OwnedData done(results.finish(), n);
+    for (std::uint32_t i = 0; i < n; ++i) {
+        const Element element = element_of(done.block, i);
+        if (element.tag == tag::subarray)
+            count_up(element.subarray);
+        dereferencedataelems(slots + i, 1);
+        slots[i].tag = tag::filler;
+        store(slots[i], element);
+    }
+    operand.type |= kinds;
+    if (several(operand.type & simple_kinds))
+        operand.type |= COMPLEXED;
+    if (f.target == Target::both)
+        f.right->type = operand.type;
+}
+
+template <class VerbTable>
+void run_road(const Frame& f, const VerbTable& verb, Outcome& out) {
+    ArrayBuilder results(f.n);
+    if (out.done)
+        results.add_copies(out.block(), out.done);
+    out.fresh = {};
+    out.reused = nullptr;
+    try {
+        run_elements(f, verb, results);
+    } catch (const ErrorJump&) {
+        try {
+            write_back(f, results);
+        } catch (const OutOfStorage&) {
+            // The operand stays as it was.
+        }
+        throw;
+    }
+    out.kinds = results.kinds();
+    out.done = f.n;
+    out.fresh = BlockHandle(results.finish());
+}
+
+} // namespace
+
+void element_road(const Frame& f, const DyadicVerb& verb, Outcome& out) {
+    run_road(f, verb, out);
+}
+
+void element_road(const Frame& f, const MonadicVerb& verb, Outcome& out) {
+    run_road(f, verb, out);
+}
+
+} // namespace tessor

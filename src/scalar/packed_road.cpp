@@ -1,0 +1,203 @@
+#include "scalar/roads.h"
+
+#include <cstring>
+
+namespace tessor {
+
+namespace {
+
+struct View {
+    const void* data = nullptr;
+    std::int32_t tag = tag::none; ///< none: not for packed loops
+    Storage storage = Storage::elements;
+    Look look;
+};
+
+View view_of(const Space& space) {
+    if (in_place(space))
+        return {&space.real, space.tag, tag_storage(space.tag), {space.form, space.marks}};
+    const void* block = space.data_pointer;
+    const Layout layout = layout_of(block);
+    return {block, storage_tag(layout.storage), layout.storage, {layout.form, layout.marks}};
+}
+
+bool of_both_kinds(Storage storage) {
+    return storage == Storage::quotient || storage == Storage::promoted;
+}
+
+// Room for a stretch of each operand in the type of its loop, and for results that may be void.
+struct Scratch {
+    alignas(64) double left[stretch_length];
+    alignas(64) double right[stretch_length];
+    alignas(64) std::int32_t items[stretch_length];
+};
+constinit thread_local Scratch scratch{};
+
+template <class T>
+const void* widened(const void* bytes, std::uint32_t first, std::uint32_t n, void* room) {
+    std::copy_n(static_cast<const std::uint8_t*>(bytes) + first, n, static_cast<T*>(room));
+    return room;
+}
+
+// Values `first` and on of an operand, as the loops read them.
+const void* values_from(const View& view, bool single, std::uint32_t first, std::uint32_t n,
+                        double* room) {
+    const std::uint32_t from = single ? 0 : first;
+    const std::uint32_t count = single ? 1 : n;
+    if (view.storage == Storage::truth)
+        return widened<std::int32_t>(view.data, from, count, room);
+    if (view.storage == Storage::degree)
+        return widened<double>(view.data, from, count, room);
+    return static_cast<const char*>(view.data) + from * item_size(view.storage);
+}
+
+struct Packed {
+    Frame& f;
+    const Kernel& kernel;
+    const View& left;
+    const View& right;
+    Look look;
+
+    Stretch stretch(std::uint32_t first, std::uint32_t length) const {
+        Stretch s{};
+        s.n = std::min(length, f.n - first);
+        s.left_single = f.left_single;
+        s.right_single = f.right_single;
+        s.left = values_from(left, f.left_single, first, s.n, scratch.left);
+        if (f.right)
+            s.right = values_from(right, f.right_single, first, s.n, scratch.right);
+        return s;
+    }
+    std::uint32_t word(Storage storage) const { return encode({storage, look.form, look.marks}); }
+};
+
+void* target_block(const Frame& f, Storage storage) {
+    if (f.target == Target::fresh)
+        return nullptr;
+    void* block = (f.target == Target::right ? f.right : f.left)->data_pointer;
+    return storage_of(block) == storage ? block : nullptr;
+}
+
+void count_flops(const Kernel& kernel, const Tally& tally, std::uint32_t n) {
+    const std::uint64_t integers = std::uint64_t{tally.fits} * kernel.integer_flops;
+    const std::uint64_t reals = std::uint64_t{n - tally.fits} * kernel.real_flops;
+    op_flops += static_cast<double>(static_cast<std::int64_t>(tally.flops + integers + reals));
+}
+
+constexpr std::size_t scratch_item = sizeof(std::int32_t);
+constexpr std::uint32_t probe_length = std::min(stretch_length, 32u);
+
+void take_block(const Packed& p, Outcome& out) {
+    const std::size_t item = item_size(p.kernel.storage);
+    if (!p.kernel.checked || item <= scratch_item)
+        out.reused = target_block(p.f, p.kernel.storage);
+    if (!out.reused)
+        out.fresh = BlockHandle(allocate_items(p.f.n, item, p.word(p.kernel.storage)));
+}
+
+// Items from the narrow loop, stretch by stretch, up to the first that holds a misfit. Results that
+// may be void are formed beside an operand's block; where a wide loop may have to follow, the first
+// few are formed before a block is taken.
+void run_narrow(const Packed& p, Outcome& out) {
+    const Frame& f = p.f;
+    const std::size_t item = item_size(p.kernel.storage);
+    const bool probing = p.kernel.wide != nullptr;
+    if (!probing)
+        take_block(p, out);
+    while (out.done < f.n) {
+        between_stretches(out.done);
+        const bool probes = probing && out.done == 0;
+        const Stretch s = p.stretch(out.done, probes ? probe_length : stretch_length);
+        char* to = static_cast<char*>(out.block()) + out.done * item;
+        const bool buffered = probes || (p.kernel.checked && out.reused);
+        Tally tally;
+        p.kernel.narrow(f.op, s, buffered ? static_cast<void*>(scratch.items) : to, tally);
+        if (tally.misfit)
+            return;
+        if (probes) {
+            take_block(p, out);
+            to = static_cast<char*>(out.block());
+        }
+        if (buffered)
+            std::memcpy(to, scratch.items, s.n * item);
+        count_flops(p.kernel, tally, s.n);
+        out.done += s.n;
+    }
+    out.kinds = kind_bit(storage_tag(p.kernel.storage));
+}
+
+void widen_items(const void* from, Storage storage, double* to, std::uint32_t n) {
+    if (storage == Storage::integer)
+        std::copy_n(static_cast<const std::int32_t*>(from), n, to);
+    else
+        std::copy_n(static_cast<const std::uint8_t*>(from), n, to);
+}
+
+// The rest as doubles, behind what is done so far.
+void run_wide(const Packed& p, Outcome& out) {
+    const Frame& f = p.f;
+    const Storage storage = p.kernel.wide_storage;
+    BlockHandle wide(allocate_items(f.n, sizeof(double), p.word(storage)));
+    auto* items = wide.as<double>();
+    if (out.done)
+        widen_items(out.block(), p.kernel.storage, items, out.done);
+    out.reused = nullptr;
+    std::uint64_t integers = out.done;
+    while (out.done < f.n) {
+        between_stretches(out.done);
+        const Stretch s = p.stretch(out.done, stretch_length);
+        Tally tally;
+        p.kernel.wide(f.op, s, items + out.done, tally);
+        count_flops(p.kernel, tally, s.n);
+        integers += tally.fits;
+        out.done += s.n;
+    }
+    if (!of_both_kinds(storage))
+        integers = 0;
+    if (integers == 0)
+        header_of(wide.get()).layout = p.word(Storage::real);
+    out.kinds = (integers != 0 ? HASINTEGER : 0u) | (integers != f.n ? HASREAL : 0u);
+    out.fresh = std::move(wide);
+}
+
+// Runs packed loops as far as they go; done is f.n if that is to the end.
+void run_packed(Frame& f, const Kernel& kernel, const View& left, const View& right, Outcome& out) {
+    Packed p{f, kernel, left, right, {}};
+    const bool over_right = f.target == Target::right;
+    if (!kernel.look(left.look, right.look, over_right, p.look) || (p.look.marks & ~packed_marks))
+        return;
+    run_narrow(p, out);
+    if (out.done < f.n && kernel.wide)
+        run_wide(p, out);
+    if (out.done == f.n && out.reused)
+        header_of(out.reused).layout = p.word(kernel.storage);
+}
+
+const Kernel* packed_kernel(const Frame& f, const DyadicVerb& verb, View& left, View& right) {
+    left = view_of(*f.left);
+    right = view_of(*f.right);
+    if (f.rules->integers_as_reals) {
+        if (of_both_kinds(left.storage) && right.tag == tag::real)
+            left.tag = tag::real;
+        else if (of_both_kinds(right.storage) && left.tag == tag::real)
+            right.tag = tag::real;
+    }
+    return verb.kernels[left.tag][right.tag];
+}
+
+} // namespace
+
+void packed_road(Frame& f, const DyadicVerb& verb, Outcome& out) {
+    View left;
+    View right;
+    if (const Kernel* kernel = packed_kernel(f, verb, left, right))
+        run_packed(f, *kernel, left, right, out);
+}
+
+void packed_road(Frame& f, const MonadicVerb& verb, Outcome& out) {
+    const View view = view_of(*f.left);
+    if (const Kernel* kernel = verb.kernels[view.tag])
+        run_packed(f, *kernel, view, view, out);
+}
+
+} // namespace tessor

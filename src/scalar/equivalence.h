@@ -20,8 +20,9 @@ struct Equivalence {
     Degree apply(RealLike auto l, RealLike auto r) const {
         const auto x = static_cast<double>(l);
         const auto y = static_cast<double>(r);
-        const bool equal = (x == y) & (tolerance > 0);
-        return {equal == Meaning::truth, inexact(x, y),
+        const double apart = std::fabs(x - y);
+        const bool equal = (apart == 0) & (tolerance > 0);
+        return {equal == Meaning::truth, inexact(apart),
                 Meaning::degree(first_distance(x, y), tolerance)};
     }
     template <Number L, Number R>
@@ -32,8 +33,8 @@ struct Equivalence {
 
     // Negative if the distance is not 0 but below the tolerance, or is no finite number. Distances
     // aren't negative, so they have the order of their bits.
-    std::int64_t inexact(double x, double y) const {
-        const auto apart = std::bit_cast<std::int64_t>(std::fabs(x - y));
+    std::int64_t inexact(double distance) const {
+        const auto apart = std::bit_cast<std::int64_t>(distance);
         const auto near = std::bit_cast<std::int64_t>(tolerance > 0 ? tolerance : 0.0);
         constexpr auto infinity = std::bit_cast<std::int64_t>(__builtin_inf());
         return ((apart - near) & -apart) | (infinity - 1 - apart);

@@ -75,16 +75,16 @@ void shape_result(const Frame& f) {
     Space& left = *f.left;
     Space& right = *f.right;
     if (f.left_single) {
-        release_block(left.shape_pointer);
+        release_shape(left);
         left = right;
     } else if ((left.type & ISSCALAR) && (right.type & ISONEELEMENT)) {
-        release_block(left.shape_pointer);
+        release_shape(left);
         left.shape_pointer = right.shape_pointer;
         left.rank = 1;
         left.depth = 1;
         left.type = (left.type & ~ISSCALAR) | ISONEELEMENT | ISVECTOR;
     } else {
-        release_block(right.shape_pointer);
+        release_shape(right);
     }
 }
 

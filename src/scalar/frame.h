@@ -18,8 +18,10 @@ namespace tessor {
 /// Elements between two looks at the noted signals, and between two checks of the results.
 #ifdef TESSOR_TIGHT
 inline constexpr std::uint32_t stretch_length = 7;
+inline constexpr std::uint32_t long_stretch = 7;
 #else
-inline constexpr std::uint32_t stretch_length = 4096;
+inline constexpr std::uint32_t stretch_length = 4096; ///< what goes through a buffer in the cache
+inline constexpr std::uint32_t long_stretch = 65536;  ///< what goes straight to its place
 #endif
 
 /// A stretch of packed operands, as values of the kernel's types. A single operand has one value.

@@ -11,7 +11,7 @@ struct Greater {
         return l > r;
     }
     static bool places(double difference, double tolerance) {
-        return (difference > 0) & (tolerance < difference);
+        return margin_to_pass(tolerance) < difference;
     }
 };
 

@@ -12,7 +12,7 @@ struct NotGreater {
         return l <= r;
     }
     static bool places(double difference, double tolerance) {
-        return !(difference > 0) | (difference <= tolerance);
+        return !(difference > margin_to_stay(tolerance));
     }
 };
 

@@ -11,7 +11,7 @@ struct NotLess {
         return l >= r;
     }
     static bool places(double difference, double tolerance) {
-        return (difference >= 0) | (-difference <= tolerance);
+        return -difference <= margin_to_stay(tolerance);
     }
 };
 

@@ -6,6 +6,18 @@
 
 namespace tessor {
 
+// A negative tolerance counts as 0, so that one comparison decides. With a tolerance that is a NaN
+// nothing is less or greater, and only 0 is within it.
+
+/// What a difference must be above to count as one.
+inline double margin_to_pass(double tolerance) {
+    return tolerance < 0 ? 0.0 : tolerance;
+}
+/// What a difference may be and not count.
+inline double margin_to_stay(double tolerance) {
+    return tolerance > 0 ? tolerance : 0.0;
+}
+
 /// Order::exact compares two values of one type; Order::places decides by the difference of the
 /// places and the tolerance.
 template <class Order>

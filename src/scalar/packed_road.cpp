@@ -25,6 +25,10 @@ bool of_both_kinds(Storage storage) {
     return storage == Storage::quotient || storage == Storage::promoted;
 }
 
+bool of_bytes(Storage storage) {
+    return storage == Storage::truth || storage == Storage::degree;
+}
+
 // Room for a stretch of each operand in the type of its loop, and for results that may be void.
 struct Scratch {
     alignas(64) double left[stretch_length];
@@ -68,6 +72,8 @@ struct Packed {
             s.right = values_from(right, f.right_single, first, s.n, scratch.right);
         return s;
     }
+    // Bytes are widened into a buffer first.
+    bool through_buffer() const { return of_bytes(left.storage) || of_bytes(right.storage); }
     std::uint32_t word(Storage storage) const { return encode({storage, look.form, look.marks}); }
 };
 
@@ -101,15 +107,18 @@ void take_block(const Packed& p, Outcome& out) {
 void run_narrow(const Packed& p, Outcome& out) {
     const Frame& f = p.f;
     const std::size_t item = item_size(p.kernel.storage);
-    const bool probing = p.kernel.wide != nullptr;
+    const bool probing = p.kernel.wide && f.n > probe_length;
     if (!probing)
         take_block(p, out);
     while (out.done < f.n) {
         between_stretches(out.done);
         const bool probes = probing && out.done == 0;
-        const Stretch s = p.stretch(out.done, probes ? probe_length : stretch_length);
-        char* to = static_cast<char*>(out.block()) + out.done * item;
         const bool buffered = probes || (p.kernel.checked && out.reused);
+        const bool straight = !buffered && !p.through_buffer();
+        const Stretch s = p.stretch(out.done, probes     ? probe_length
+                                              : straight ? long_stretch
+                                                         : stretch_length);
+        char* to = static_cast<char*>(out.block()) + out.done * item;
         Tally tally;
         p.kernel.narrow(f.op, s, buffered ? static_cast<void*>(scratch.items) : to, tally);
         if (tally.misfit)
@@ -143,9 +152,10 @@ void run_wide(const Packed& p, Outcome& out) {
         widen_items(out.block(), p.kernel.storage, items, out.done);
     out.reused = nullptr;
     std::uint64_t integers = out.done;
+    const std::uint32_t length = p.through_buffer() ? stretch_length : long_stretch;
     while (out.done < f.n) {
         between_stretches(out.done);
-        const Stretch s = p.stretch(out.done, stretch_length);
+        const Stretch s = p.stretch(out.done, length);
         Tally tally;
         p.kernel.wide(f.op, s, items + out.done, tally);
         count_flops(p.kernel, tally, s.n);
@@ -158,6 +168,29 @@ void run_wide(const Packed& p, Outcome& out) {
         header_of(wide.get()).layout = p.word(Storage::real);
     out.kinds = (integers != 0 ? HASINTEGER : 0u) | (integers != f.n ? HASREAL : 0u);
     out.fresh = std::move(wide);
+}
+
+// A few values into a fresh block: one loop, none of the seams. False: nothing is done yet.
+bool run_few(const Frame& f, const Kernel& kernel, const View& left, const View& right,
+             Outcome& out) {
+    constexpr std::uint32_t few = std::min(stretch_length, 256u);
+    if (f.n > few || f.target != Target::fresh || of_bytes(left.storage) || of_bytes(right.storage))
+        return false;
+    Look look;
+    if (!kernel.look(left.look, right.look, false, look) || (look.marks & ~packed_marks))
+        return false;
+    BlockHandle block(allocate_items(f.n, item_size(kernel.storage),
+                                     encode({kernel.storage, look.form, look.marks})));
+    Tally tally;
+    kernel.narrow(f.op, {left.data, right.data, f.n, f.left_single, f.right_single}, block.get(),
+                  tally);
+    if (tally.misfit)
+        return false;
+    count_flops(kernel, tally, f.n);
+    out.fresh = std::move(block);
+    out.done = f.n;
+    out.kinds = kind_bit(storage_tag(kernel.storage));
+    return true;
 }
 
 // Runs packed loops as far as they go; done is f.n if that is to the end.
@@ -190,7 +223,8 @@ const Kernel* packed_kernel(const Frame& f, const DyadicVerb& verb, View& left, 
 void packed_road(Frame& f, const DyadicVerb& verb, Outcome& out) {
     View left;
     View right;
-    if (const Kernel* kernel = packed_kernel(f, verb, left, right))
+    const Kernel* kernel = packed_kernel(f, verb, left, right);
+    if (kernel && !run_few(f, *kernel, left, right, out))
         run_packed(f, *kernel, left, right, out);
 }
 

@@ -247,8 +247,7 @@ struct Stored<Quotient> {
     using Wide = double;
     static constexpr Storage wide_storage = Storage::quotient;
     static constexpr bool fits(Quotient v) {
-        constexpr double rounding = 4503599627370496.0; // leaves no place for a fraction
-        const double whole = v.value + rounding - rounding;
+        const double whole = __builtin_trunc(v.value);
         return (v.value >= 0) & (v.value <= largest_integer) & (v.value == whole);
     }
     static std::int32_t misfit(Quotient v) { return fits(v) ? 0 : -1; }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <malloc.h>
@@ -24,7 +25,7 @@ static_assert(sizeof(Prefix) == 16);
 
 constexpr std::size_t small_limit = 1024;
 constexpr std::size_t large_limit = std::size_t{1} << 20;
-constexpr std::size_t large_offset = 64; ///< data of a large block: on a cache line
+constexpr std::size_t page = 4096;
 constexpr std::size_t huge_page_from = std::size_t{4} << 20;
 constexpr std::size_t granule = 16;
 
@@ -74,13 +75,26 @@ LargeCache& large_cache() {
     return cache;
 }
 
+// The data begin within the first page, on a cache line, at another place in one block than in the
+// next: operands and results that stand alike in their pages make loads wait for stores.
 std::size_t mapped_size(std::size_t capacity) {
-    return capacity + large_offset;
+    return capacity + page;
+}
+
+std::size_t next_offset() {
+    constexpr std::size_t line = 64;
+    static std::atomic<std::size_t> turn{0};
+    return line + turn.fetch_add(1, std::memory_order_relaxed) % 8 * 9 * line;
+}
+static_assert(64 + 7 * 9 * 64 <= page);
+
+char* mapping_of(void* block) {
+    const auto address = reinterpret_cast<std::uintptr_t>(block) - 1;
+    return reinterpret_cast<char*>(address / page * page);
 }
 
 std::size_t round_large(std::size_t bytes) {
-    constexpr std::size_t page = 4096;
-    return (bytes + large_offset + page - 1) / page * page - large_offset;
+    return (bytes + page - 1) / page * page;
 }
 
 // Gives all that is kept back to the system. False if there was nothing.
@@ -192,7 +206,7 @@ void* allocate_large(std::size_t bytes, std::uint32_t layout) {
         memory = from_system([=] { return new_mapping(mapped_size(capacity)); });
         advise(memory, mapped_size(capacity));
     }
-    return set_up(memory, large_offset, capacity, layout);
+    return set_up(memory, next_offset(), capacity, layout);
 }
 
 void* resize_large(void* block, std::size_t bytes) {
@@ -200,9 +214,10 @@ void* resize_large(void* block, std::size_t bytes) {
         throw OutOfStorage{};
     const std::size_t old = prefix_of(block).capacity;
     const std::size_t capacity = round_large(bytes);
-    void* memory = static_cast<char*>(block) - large_offset;
+    char* memory = mapping_of(block);
+    const std::ptrdiff_t offset = static_cast<char*>(block) - memory;
     void* moved = from_system([=] { return grow_mapping(memory, old, capacity); });
-    void* resized = static_cast<char*>(moved) + large_offset;
+    void* resized = static_cast<char*>(moved) + offset;
     prefix_of(resized).capacity = capacity;
     return resized;
 }
@@ -271,7 +286,7 @@ void free_block(void* block) noexcept {
     } else if (capacity < large_limit) {
         std::free(memory);
     } else {
-        keep_large(static_cast<char*>(block) - large_offset, capacity);
+        keep_large(mapping_of(block), capacity);
     }
 }
 

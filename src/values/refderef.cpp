@@ -92,14 +92,16 @@ void drop_element(DataElement& element, Dying& dying) noexcept {
     }
 }
 
+void drop_elements(DataElement* elements, std::uint32_t n, Dying& dying) noexcept {
+    for (std::uint32_t i = 0; i < n; ++i)
+        drop_element(elements[i], dying);
+}
+
 void drop_data(void* block, std::uint32_t n, Dying& dying) noexcept {
     if (!block || !count_down(block))
         return;
-    if (storage_of(block) == Storage::elements) {
-        auto* element = static_cast<DataElement*>(block);
-        for (std::uint32_t i = 0; i < n; ++i)
-            drop_element(element[i], dying);
-    }
+    if (storage_of(block) == Storage::elements)
+        drop_elements(static_cast<DataElement*>(block), n, dying);
     free_block(block);
 }
 
@@ -179,6 +181,12 @@ void referencepoint_blocks(const Space& space) {
 }
 
 void dereferencepoint_blocks(Space& space) noexcept {
+    if (space.rank >= 0) {
+        release_shape(space);
+        release_data(space.data_pointer, space.elements);
+        space.data_pointer = nullptr;
+        return;
+    }
     Dying dying;
     drop_space(space, dying);
     run(dying);
@@ -216,23 +224,17 @@ void referencedataelems(const DataElement* elements, std::uint32_t n) {
 
 void dereferencedataelems(DataElement* elements, std::uint32_t n) noexcept {
     Dying dying;
-    for (std::uint32_t i = 0; i < n; ++i)
-        drop_element(elements[i], dying);
+    drop_elements(elements, n, dying);
     run(dying);
 }
 
-void release_data(void* block, std::uint32_t n) noexcept {
-    Dying dying;
-    drop_data(block, n, dying);
-    run(dying);
-}
-
-void release_shape(Space& space) noexcept {
-    if (space.rank <= 0)
-        return;
-    Dying dying;
-    drop_shape(space, dying);
-    run(dying);
+void free_data(void* block, std::uint32_t n) noexcept {
+    if (storage_of(block) == Storage::elements) {
+        Dying dying;
+        drop_elements(static_cast<DataElement*>(block), n, dying);
+        run(dying);
+    }
+    free_block(block);
 }
 
 void release_enclosed(Space* block) noexcept {

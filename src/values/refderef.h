@@ -6,6 +6,7 @@
 // never with native recursion.
 #pragma once
 
+#include "values/block.h"
 #include "values/space.h"
 
 namespace tessor {
@@ -30,11 +31,22 @@ inline void dereferencepoint(Space* space) noexcept {
 void referencedataelems(const DataElement* elements, std::uint32_t n);
 void dereferencedataelems(DataElement* elements, std::uint32_t n) noexcept;
 
+/// Frees a data block whose count has fallen to 0, with what it owns.
+void free_data(void* block, std::uint32_t n) noexcept;
+
 /// Counts down a data block of n elements in any layout, and what it owns with the last count.
-void release_data(void* block, std::uint32_t n) noexcept;
+inline void release_data(void* block, std::uint32_t n) noexcept {
+    if (block && count_down(block))
+        free_data(block, n);
+}
 
 /// Counts down the shape of an array, which can hold named integers. The field becomes null.
-void release_shape(Space& space) noexcept;
+inline void release_shape(Space& space) noexcept {
+    if (space.rank <= 0)
+        return;
+    release_data(space.shape_pointer, static_cast<std::uint32_t>(space.rank));
+    space.shape_pointer = nullptr;
+}
 
 /// Counts down a counted block of one Space (a subarray, a name's value), with what it owns.
 void release_enclosed(Space* block) noexcept;

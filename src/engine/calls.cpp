@@ -43,7 +43,19 @@ void take_off_chain(Activation& run, const HashTable* hash) {
     drop(std::exchange(run.table, chain));
 }
 
-// The function's own table joins the caller's chain, and stays there after the call.
+// Makes room for the locals under the n operands, each unset.
+void open_locals(Space* first_operand, long n, int locals) {
+    std::memmove(static_cast<void*>(first_operand + locals), first_operand,
+                 static_cast<std::size_t>(n) * sizeof(Space));
+    for (int i = 0; i < locals; ++i) {
+        first_operand[i] = Space{};
+        first_operand[i].rank = kind::VARIABLE;
+    }
+}
+
+} // namespace
+
+// What was entered stays in the caller's chain after the call.
 void enter_table(Activation& run, const Space& function) {
     const MeaningTable* link = function.body[function.elements - 1].table;
     if (!link || !link->hash)
@@ -53,48 +65,41 @@ void enter_table(Activation& run, const Space& function) {
     put_on_chain(run.table, link->hash);
 }
 
-// Makes room for the locals under the n operands, each unset.
-void open_locals(Space* first_operand, int n, int locals) {
-    std::memmove(static_cast<void*>(first_operand + locals), first_operand,
-                 static_cast<std::size_t>(n) * sizeof(Space));
-    for (int i = 0; i < locals; ++i) {
-        first_operand[i] = Space{};
-        first_operand[i].rank = kind::VARIABLE;
+Next run_function(Activation& run, const Space& function, long n, bool* stopped) {
+    if (!may_nest(run))
+        return Next::failed;
+    Space* base = run.base;
+    Space* floor = run.floor;
+    const int locals = n < 0 ? 0 : function.locals;
+    if (locals > stacktop + 1 - run.top)
+        return failed(run, 806);
+    if (n >= 0) {
+        base = run.top - n + 1;
+        floor = base + locals;
     }
-}
-
-Next run_body(Activation& run, Space* body, Space* base, Space* floor, bool own_locals) {
-    Activation callee(body + 1, run.table, base, floor, run.top, run.quads, run.depth + 1);
-    callee.own_locals = own_locals;
+    if (locals > 0) {
+        open_locals(base, n, locals);
+        run.top += locals;
+    }
+    Activation callee(function.body + 1, run.table, base, floor, run.top, run.quads, run.depth + 1);
+    callee.in_body = true;
+    callee.own_locals = locals > 0;
     run.top = run_nested(callee);
+    if (stopped)
+        *stopped = callee.stopped;
     return Next::advance;
 }
-
-} // namespace
 
 Next call(Activation& run) {
     enter_table(run, *run.top);
     Held function(*run.top);
     --run.top;
-    const int n = function.value().arguments;
-    const int locals = function.value().locals;
+    const long n = function.value().arguments;
     if (n > 0 && run.values() < n) {
         failed(run, 800);
         return Next::advance;
     }
-    if (!may_nest(run))
-        return Next::failed;
-    Space* body = function.value().body;
-    if (n < 0)
-        return run_body(run, body, run.base, run.floor, false);
-    Space* first_operand = run.top - (n - 1);
-    if (locals == 0)
-        return run_body(run, body, first_operand, first_operand, false);
-    if (locals > stacktop + 1 - run.top)
-        return failed(run, 806);
-    open_locals(first_operand, n, locals);
-    run.top += locals;
-    return run_body(run, body, first_operand, first_operand + locals, true);
+    return run_function(run, function.value(), n);
 }
 
 void close_locals(Activation& run) noexcept {

@@ -9,6 +9,13 @@ namespace tessor {
 /// 800, no room for the locals, or on the native stack, 806; the function is off the stack then.
 Next call(Activation& run);
 
+/// Lets the function's own table join the chain of the activation that calls it.
+void enter_table(Activation& run, const Space& function);
+
+/// Runs a function that is held off the stack on the top n values; n below 0: in the caller's own
+/// frame. `stopped` tells whether its activation ended early. 806 as in call.
+Next run_function(Activation& run, const Space& function, long n, bool* stopped = nullptr);
+
 /// Releases the locals that were made for this activation, and moves its values down over them.
 void close_locals(Activation& run) noexcept;
 

@@ -390,10 +390,25 @@ Activation::~Activation() {
 }
 
 Space* run_nested(Activation& run) {
-    if (!cycle(run))
+    if (!cycle(run)) {
+        run.stopped = true;
         leave_early(run);
+    }
     run.left = true;
     return run.top;
+}
+
+void restart(Activation& run, Space* base, Space* floor, Space* top) {
+    run.now = run.cell = run.first;
+    run.base = base;
+    run.floor = floor;
+    run.cell_top = run.top = top;
+    if (run.table != run.entry) {
+        drop(run.table);
+        run.table = hold(run.entry);
+    }
+    run.check = -1;
+    run.trace = run.step = run.left = run.stopped = false;
 }
 
 Space* machine(Space* first, MeaningTable* table, Space* base, Space* floor, Space* top,

@@ -31,9 +31,11 @@ struct Activation {
     int depth;               ///< 0 for a fresh run
     int check = -1;          ///< last CHECK: -1 none yet, 0 no, 1 yes
     bool own_locals = false; ///< the cells from base to floor were made for this activation
+    bool in_body = false;    ///< a function's body: the cell before `first` is its header
     bool trace = false;      ///< trace lines in this activation
     bool step = false;       ///< inspection prompt at every cell of this activation
     bool left = false;       ///< it has ended: nothing is to be salvaged
+    bool stopped = false;    ///< it has ended early
 
     Activation(Space* first, MeaningTable* table, Space* base, Space* floor, Space* top,
                Space* quads, int depth);
@@ -70,6 +72,9 @@ extern Bodies bodies[instruction_count];
 /// Runs an activation that the caller has set up, above depth 0. Returns the new top.
 Space* run_nested(Activation& run);
 
+/// Sets an activation that has ended up for another run of the same cells.
+void restart(Activation& run, Space* base, Space* floor, Space* top);
+
 /// Runs cells from `first` to the end mark. Depth 0 is a recovery point, and shows the top of the
 /// stack at its end. Returns the new top.
 Space* machine(Space* first, MeaningTable* table, Space* base, Space* floor, Space* top,
@@ -97,7 +102,9 @@ public:
     Held(const Held&) = delete;
     Held& operator=(const Held&) = delete;
     ~Held();
-    Space& value() { return value_; }
+    const Space& value() const { return value_; }
+    /// Hands the counts to whoever has a copy.
+    void release() { value_ = Space{}; }
 
 private:
     Space value_;

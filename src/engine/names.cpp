@@ -9,46 +9,12 @@ namespace tessor {
 
 namespace {
 
-bool is_set(const Space* value) {
-    return value && value->type != 0;
-}
-
 void rebind(Space& cell, MeaningTable* link, Space* value) {
     count_up(value);
     release_enclosed(cell.target);
     drop(cell.table);
     cell.table = hold(link);
     cell.target = value;
-}
-
-// Keeps a late-bound cell pointing at what its name means along the current chain. True if it was
-// bound anew. A Space that is unset may have been forgotten, and the name made again.
-bool keep_bound(Activation& run, Space& cell) {
-    if (is_set(cell.target) && cell.table && hash_of(cell.table) == hash_of(run.table))
-        return false;
-    const Bucket* found = checkmeaning(run.table, cell.name);
-    if (!found) {
-        release_enclosed(cell.target);
-        cell.target = nullptr;
-        return false;
-    }
-    if (found->value == cell.target)
-        return false;
-    rebind(cell, run.table, found->value);
-    return true;
-}
-
-void make_name(Space& cell, MeaningTable* link, HashTable* hash) {
-    count_up(cell.name);
-    if (const Bucket* made = enter(hash, cell.name))
-        rebind(cell, link, made->value);
-}
-
-// A mark for whoever looks at a function's body; nothing decides by it. A literal in the first
-// place is a value and takes none.
-void mark_first(Activation& run, std::uint32_t bits) {
-    if (run.first->rank < 0)
-        run.first->type |= bits;
 }
 
 // The stack cell of the local that the cell numbers, in a packed block of one integer; null if the
@@ -88,6 +54,34 @@ Next store_name(Activation& run, bool keeps) {
 }
 
 } // namespace
+
+// A Space that is unset may have been forgotten, and the name made again.
+bool keep_bound(Activation& run, Space& cell) {
+    if (is_set(cell.target) && cell.table && hash_of(cell.table) == hash_of(run.table))
+        return false;
+    const Bucket* found = checkmeaning(run.table, cell.name);
+    if (!found) {
+        release_enclosed(cell.target);
+        cell.target = nullptr;
+        return false;
+    }
+    if (found->value == cell.target)
+        return false;
+    rebind(cell, run.table, found->value);
+    return true;
+}
+
+void make_name(Space& cell, MeaningTable* link, HashTable* hash) {
+    count_up(cell.name);
+    if (const Bucket* made = enter(hash, cell.name))
+        rebind(cell, link, made->value);
+}
+
+// A literal in the first place is a value and takes no mark.
+void mark_first(Activation& run, std::uint32_t bits) {
+    if (run.first->rank < 0)
+        run.first->type |= bits;
+}
 
 Next push_variable(Activation& run) {
     if (!room(run))

@@ -11,6 +11,19 @@ Next push_local(Activation& run);         ///< LOCAL VARIABLE cell
 Next push_local_address(Activation& run); ///< LOCAL ADDRESS cell
 Next push_label(Activation& run);         ///< LABEL cell
 
+/// A name's Space that holds a value.
+inline bool is_set(const Space* value) {
+    return value && value->type != 0;
+}
+
+/// Keeps a late-bound cell or address pointing at what its name means along the current chain, at
+/// nothing if it means nothing. True if it was bound anew.
+bool keep_bound(Activation& run, Space& cell);
+/// Makes the name of such a cell in a table, and binds it.
+void make_name(Space& cell, MeaningTable* link, HashTable* hash);
+/// A mark on the first cell for whoever looks at a function's body; nothing decides by it.
+void mark_first(Activation& run, std::uint32_t bits);
+
 Next assign(Activation& run); ///< ASSIGN: the value stays on the stack
 Next set(Activation& run);    ///< SET: both are gone
 

@@ -9,10 +9,6 @@ namespace tessor {
 
 namespace {
 
-bool is_mark(const Space& value) {
-    return value.rank == kind::OPERATOR && value.operation == op::MARK;
-}
-
 Next push_count(Activation& run, long count) {
     if (!room(run))
         return Next::failed;

@@ -5,6 +5,11 @@
 
 namespace tessor {
 
+/// The value that MARK pushes.
+inline bool is_mark(const Space& value) {
+    return value.rank == kind::OPERATOR && value.operation == op::MARK;
+}
+
 Next discard(Activation& run);
 Next right(Activation& run);
 Next swap(Activation& run);

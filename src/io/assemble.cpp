@@ -3,6 +3,7 @@
 #include "engine/signals.h"
 #include "io/writers/dump.h"
 #include "values/array.h"
+#include "values/block.h"
 #include "values/refderef.h"
 #include "values/shared.h"
 #include "values/text.h"
@@ -11,27 +12,24 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <string>
 
 namespace tessor {
 
 namespace {
 
 bool is_text(const Space& value) {
-    return (value.type & (STRUCTURED | COMPLEXED | HASASCII)) == HASASCII && value.rank >= 0
-           && value.rank <= 1;
+    return (value.rank == 0 || value.rank == 1)
+           && (value.type & (STRUCTURED | COMPLEXED | HASASCII)) == HASASCII;
 }
 
-// A zero byte is the end of what the scanner reads.
-std::string source_of(const Space& value) {
-    std::string source;
-    source.reserve(value.elements + 3);
-    for (std::uint32_t i = 0; i < value.elements; ++i) {
-        const char byte = static_cast<char>(element_at(value, i).character);
-        if (byte == 0)
-            break;
-        source.push_back(byte);
-    }
+// The characters, and behind them what ends a sentence.
+BlockHandle source_of(const Space& text) {
+    constexpr char end[] = " .";
+    BlockHandle source(allocate_block(std::size_t{text.elements} + sizeof end));
+    char* bytes = source.as<char>();
+    for (std::uint32_t i = 0; i < text.elements; ++i)
+        bytes[i] = static_cast<char>(element_at(text, i).character);
+    std::memcpy(bytes + text.elements, end, sizeof end);
     return source;
 }
 
@@ -105,17 +103,16 @@ private:
 
 } // namespace
 
+// A zero byte is the end of the input wherever it stands: nothing is read from there on.
 Next assemble(Activation& run) {
     if (!is_text(*run.top))
         return failed(run, 981);
-    std::string source = source_of(*run.top);
-    const std::size_t length = source.size();
-    source += " .";
+    const BlockHandle source = source_of(*run.top);
+    const char* at = source.as<char>();
+    const char* end = at + run.top->elements;
     pop(run);
     CellBuffer buffer;
-    const char* at = source.c_str();
-    const char* end = at + length;
-    while (at < end) {
+    while (at < end && *at) {
         if (!room(run))
             return Next::failed;
         const char* sentence = at;

@@ -5,6 +5,7 @@
 #include "frontend/symtab.h"
 #include "io/writers/exception.h"
 #include "parallel/coprocessor.h"
+#include "scalar/random.h"
 #include "shell/dispatch.h"
 #include "shell/options.h"
 #include "shell/version.h"
@@ -127,6 +128,7 @@ double start(const Options& options) {
     if (!options.quiet)
         exception(0, nullptr, nullptr);
     MIN_PARALLEL = static_cast<std::int32_t>(processors) * 1001;
+    SEED_PRNGS(0, &prngs_seed, -1);
     verbs = 0;
     return starttime;
 }

@@ -1,11 +1,19 @@
 #include "shell/dispatch.h"
 
 #include "array/reshape.h"
+#include "engine/branches.h"
 #include "engine/calls.h"
+#include "engine/collect.h"
+#include "engine/contexts.h"
 #include "engine/control.h"
+#include "engine/execute.h"
+#include "engine/keys.h"
+#include "engine/loops.h"
 #include "engine/machine.h"
+#include "engine/memo.h"
 #include "engine/names.h"
 #include "engine/stack.h"
+#include "engine/yield.h"
 #include "io/output.h"
 #include "scalar/verbs.h"
 
@@ -29,12 +37,33 @@ constexpr BodyRow body_rows[] = {
     {op::COUNTSTACK, countstack},
     {op::COUNTTOMARK, counttomark},
     {op::CLEARTOMARK, cleartomark},
+    {op::COLLECT, collect},
+    {op::DIP, dip},
+    {op::DEEP, dip},
     // functions and names
     {op::RETURN, do_return},
     {op::FUNCTIONEND, do_return},
     {op::OPERATOR, make_operator},
     {op::ASSIGN, assign},
     {op::SET, set},
+    {op::FORGET, forget},
+    {op::GET, get},
+    {op::DO, do_},
+    {op::AT, at},
+    {op::CONTEXT, change_context},
+    {op::WIPE, wipe},
+    {op::VARIABLES, list_variables},
+    {op::FUNCTIONS, list_functions},
+    // control
+    {op::EXECUTE, execute},
+    {op::CHECK, check},
+    {op::IF, if_},
+    {op::JUMP, jump},
+    {op::LOOP, loop},
+    {op::RESULT, result},
+    {op::REEVALUATE, reevaluate},
+    {op::YIELD, yield},
+    {op::YIELDTO, yield_to},
     // the run itself
     {op::NOOP, noop},
     {op::TRACE, trace},

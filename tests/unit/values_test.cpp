@@ -239,10 +239,14 @@ TEST(Blocks, LargeOnesAreUsedAgain) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "each block is by itself here";
 #endif
+    // The data may begin elsewhere in the first page.
+    const auto page_of = [](const void* block) {
+        return (reinterpret_cast<std::uintptr_t>(block) - 1) / 4096;
+    };
     void* first = allocate_block(8 << 20);
     free_block(first);
     void* second = allocate_block(6 << 20);
-    EXPECT_EQ(first, second);
+    EXPECT_EQ(page_of(first), page_of(second));
     free_block(second);
 }
 

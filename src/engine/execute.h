@@ -1,0 +1,16 @@
+// Running what is on the stack.
+#pragma once
+
+#include "engine/machine.h"
+
+namespace tessor {
+
+/// EXECUTE: calls the function on top; compiles and runs a text, sentence by sentence, on this
+/// frame. 995 for anything else.
+Next execute(Activation& run);
+
+/// DIP and DEEP: calls the function on top on what lies below the value under it, which comes back
+/// on top. The function's table isn't entered, and it gets as many operands as there are. 995.
+Next dip(Activation& run);
+
+} // namespace tessor

@@ -62,7 +62,7 @@ void inspection_loop(Activation& run) {
     while (!endprocess && stepping) {
         std::printf("\nInspect [%ld]: ", run.values());
         std::fflush(stdout);
-        fill_reading(buffer.cells(), run.table, stdin, nullptr, LineEnd::inspects);
+        fill_prompted(buffer.cells(), run.table, LineEnd::inspects);
         if (!stepping) {
             clear_cells(buffer.cells());
             break;

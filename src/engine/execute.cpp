@@ -10,8 +10,6 @@
 
 namespace tessor {
 
-namespace {
-
 bool is_text(const Space& value) {
     return (value.rank == 0 || value.rank == 1)
            && (value.type & (STRUCTURED | COMPLEXED | HASASCII)) == HASASCII;
@@ -27,6 +25,8 @@ BlockHandle source_of(const Space& text) {
     std::memcpy(bytes + text.elements, end, sizeof end);
     return source;
 }
+
+namespace {
 
 // A zero byte is the end of the input wherever it stands: nothing is read from there on.
 Next execute_text(Activation& run) {

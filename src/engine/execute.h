@@ -2,8 +2,15 @@
 #pragma once
 
 #include "engine/machine.h"
+#include "values/block.h"
 
 namespace tessor {
+
+/// Characters alone, as a scalar or a vector: what can be compiled.
+bool is_text(const Space& value);
+
+/// The characters of a text, zero-ended, and before that what ends a sentence.
+BlockHandle source_of(const Space& text);
 
 /// EXECUTE: calls the function on top; compiles and runs a text, sentence by sentence, on this
 /// frame. 995 for anything else.

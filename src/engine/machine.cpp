@@ -188,10 +188,20 @@ Next unusable(const char* text) {
     return Next::failed;
 }
 
+// A name that was bound when it was compiled and holds a plain value needs no more than a copy.
+Next push_named(Activation& run) {
+    const Space& cell = *run.now;
+    const Space* value = cell.target;
+    if (cell.suboperation != op::SGIG || !value || value->rank < 0 || run.top > stacktop)
+        return push_variable(run);
+    push_copy(run, *value);
+    return Next::advance;
+}
+
 Next run_other(Activation& run) {
     switch (run.now->rank) {
     case kind::LABEL: return push_label(run);
-    case kind::VARIABLE: return push_variable(run);
+    case kind::VARIABLE: return push_named(run);
     case kind::FUNCTION: return push_function(run);
     case kind::ADDRESS: return push_address(run);
     case kind::LOCAL_ADDRESS: return push_local_address(run);
@@ -417,9 +427,7 @@ Space* machine(Space* first, MeaningTable* table, Space* base, Space* floor, Spa
     return depth == 0 ? run_fresh(run) : run_nested(run);
 }
 
-bool room(Activation& run) {
-    if (run.top <= stacktop)
-        return true;
+bool no_room(Activation& run) {
     failed(run, 806);
     return false;
 }
@@ -436,19 +444,6 @@ bool may_nest(Activation& run) {
 Next failed(Activation& run, int number) {
     exception(number, &run.top, run.now);
     return Next::failed;
-}
-
-void pop(Activation& run) {
-    dereferencepoint(run.top);
-    --run.top;
-}
-
-void push_copy(Activation& run, const Space& value) {
-    Space& pushed = run.top[1];
-    pushed = value;
-    pushed.type &= ~(CONDITIONAL | YES);
-    referencepoint(&pushed);
-    ++run.top;
 }
 
 Held::~Held() {

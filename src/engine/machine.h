@@ -7,13 +7,14 @@
 
 #include "frontend/symtab.h"
 #include "values/instructions.h"
+#include "values/refderef.h"
+#include "values/shared.h"
 
 namespace tessor {
 
 inline constexpr int stack_cells = 16585;
 extern Space stack[stack_cells]; ///< cell 0 stays empty below the bottom
 extern Space* sp;                ///< top between sentences
-extern Space* stacktop;          ///< a push is refused when the top is above it
 
 struct Activation {
     Space* first;        ///< first cell of the list
@@ -80,8 +81,13 @@ void restart(Activation& run, Space* base, Space* floor, Space* top);
 Space* machine(Space* first, MeaningTable* table, Space* base, Space* floor, Space* top,
                Space* quads, int depth);
 
+/// Reports 806; false.
+bool no_room(Activation& run);
+
 /// Room for one more value; reports 806 and gives false if there is none.
-bool room(Activation& run);
+inline bool room(Activation& run) {
+    return run.top <= stacktop || no_room(run);
+}
 
 /// Native stack for one more activation; reports 806 and gives false if too little is left.
 bool may_nest(Activation& run);
@@ -90,10 +96,19 @@ bool may_nest(Activation& run);
 Next failed(Activation& run, int number);
 
 /// Takes the top value off the stack and releases it.
-void pop(Activation& run);
+inline void pop(Activation& run) {
+    dereferencepoint(run.top);
+    --run.top;
+}
 
 /// Pushes a copy of a value, counted up, without what belongs to cells. Room must have been tested.
-void push_copy(Activation& run, const Space& value);
+inline void push_copy(Activation& run, const Space& value) {
+    Space& pushed = run.top[1];
+    pushed = value;
+    pushed.type &= ~(CONDITIONAL | YES);
+    referencepoint(&pushed);
+    ++run.top;
+}
 
 /// A value held aside while it is off the stack; released with the handle.
 class Held {

@@ -22,6 +22,7 @@ namespace {
 
 // Unlike the scanner's reading, this is no place where an interrupt is ignored.
 int read_byte() {
+    const Waiting now;
     for (;;) {
         take_signals();
         errno = 0;

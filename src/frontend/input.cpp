@@ -12,12 +12,17 @@ namespace {
 
 constexpr std::size_t first_look_ahead = 1024;
 
-// A read that a signal interrupted is tried again, unless the signal waits to be taken.
+bool fault_noted() {
+    return (attention.load(std::memory_order_relaxed) & attend::fault) != 0;
+}
+
+// A read that was broken off is tried again, unless it was for a fault that waits to be taken. An
+// interrupt that came before the reading began is left to the run.
 bool interrupted(std::FILE* stream) {
     if (!std::ferror(stream) || errno != EINTR)
         return false;
     std::clearerr(stream);
-    if (signal_noted())
+    if (fault_noted())
         take_signals();
     return true;
 }

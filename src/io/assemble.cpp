@@ -1,5 +1,6 @@
 #include "io/assemble.h"
 
+#include "engine/execute.h"
 #include "engine/signals.h"
 #include "io/writers/dump.h"
 #include "values/array.h"
@@ -16,22 +17,6 @@
 namespace tessor {
 
 namespace {
-
-bool is_text(const Space& value) {
-    return (value.rank == 0 || value.rank == 1)
-           && (value.type & (STRUCTURED | COMPLEXED | HASASCII)) == HASASCII;
-}
-
-// The characters, and behind them what ends a sentence.
-BlockHandle source_of(const Space& text) {
-    constexpr char end[] = " .";
-    BlockHandle source(allocate_block(std::size_t{text.elements} + sizeof end));
-    char* bytes = source.as<char>();
-    for (std::uint32_t i = 0; i < text.elements; ++i)
-        bytes[i] = static_cast<char>(element_at(text, i).character);
-    std::memcpy(bytes + text.elements, end, sizeof end);
-    return source;
-}
 
 Space closing_cell(char* spelling) {
     Space cell{};

@@ -141,7 +141,7 @@ void prompt() {
 // One sentence of standard input, compiled and run.
 void read_and_run() {
     CellBuffer buffer;
-    fill_reading(buffer.cells(), variables, stdin, nullptr, LineEnd::blank);
+    fill_prompted(buffer.cells(), variables, LineEnd::blank);
     stacktop = stack + stack_cells - 2;
     operations = 0;
     operators = 0;

@@ -13,7 +13,11 @@
 #include "engine/memo.h"
 #include "engine/names.h"
 #include "engine/stack.h"
+#include "engine/streams.h"
+#include "engine/terminal.h"
 #include "engine/yield.h"
+#include "io/assemble.h"
+#include "io/editing.h"
 #include "io/output.h"
 #include "scalar/verbs.h"
 
@@ -70,6 +74,19 @@ constexpr BodyRow body_rows[] = {
     {op::STEP, step},
     {op::RUN, run_on},
     {op::ENDPROCESS, end_process},
+    // terminal, clock, editor, threads
+    {op::INPUT, input},
+    {op::QUOTEDIN, quotedin},
+    {op::TIME, time},
+    {op::SLEEP, sleep},
+    {op::WAIT, wait},
+    {op::PARALLEL, parallel},
+    {op::SERIAL, serial},
+    {op::EDIT, edit},
+    {op::STREAMEDIT, streamedit},
+    // functions as text
+    {op::ASSEMBLE, assemble},
+    {op::DISASSEMBLE, disassemble},
     // frames of values
     {op::RESHAPE, reshape},
     {op::SHAPE, shape},

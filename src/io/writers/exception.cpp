@@ -124,4 +124,9 @@ void note_signal(int signal) {
     attention.fetch_or(is_interrupt(signal) ? attend::interrupt : attend::fault);
 }
 
+void forget_interrupts() {
+    noted.fetch_and(~(bit_of(SIGINT) | bit_of(SIGQUIT)));
+    attention.fetch_and(~std::uint32_t{attend::interrupt});
+}
+
 } // namespace tessor

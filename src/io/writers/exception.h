@@ -39,4 +39,7 @@ void take_signals();
 /// Notes a signal for the next safe point. Async-signal-safe.
 void note_signal(int signal);
 
+/// Drops interrupts that were noted. The handler must note none meanwhile.
+void forget_interrupts();
+
 } // namespace tessor

@@ -60,6 +60,8 @@ void enter_table(Activation& run, const Space& function) {
     const MeaningTable* link = function.body[function.elements - 1].table;
     if (!link || !link->hash)
         return;
+    if (run.table->hash == link->hash && run.table->count < 0)
+        return;
     if (run.table->hash != link->hash && on_chain(run, link->hash))
         take_off_chain(run, link->hash);
     put_on_chain(run.table, link->hash);

@@ -16,14 +16,16 @@ bool everywhere(const Activation& run) {
     return run.now->suboperation == op::REST;
 }
 
-// Keeps the attention word in step with the flags that reach every activation.
 void set_everywhere(bool trace_all, bool step_all) {
     Trace = trace_all;
     Step = step_all;
-    if (Trace || Step)
-        attention.fetch_or(attend::trace);
-    else
-        attention.fetch_and(~std::uint32_t{attend::trace});
+}
+
+// Makes the machine look at the flags before every cell, until the sentence ends.
+void start_tracing(Activation& run) {
+    stepping = true;
+    run.trace = true;
+    attention.fetch_or(attend::trace);
 }
 
 void show_array(const Space& cell) {
@@ -86,17 +88,15 @@ Next noop(Activation&) {
 Next trace(Activation& run) {
     if (everywhere(run))
         set_everywhere(true, Step);
-    stepping = true;
-    run.trace = true;
+    start_tracing(run);
     return Next::advance;
 }
 
 Next step(Activation& run) {
     if (everywhere(run))
         set_everywhere(true, true);
-    stepping = true;
     run.step = true;
-    run.trace = true;
+    start_tracing(run);
     return Next::advance;
 }
 

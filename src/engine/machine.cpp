@@ -74,8 +74,8 @@ bool large_operands(const Space* top) {
 Prepared prepare(Activation& run, int instruction_class) {
     if (instruction_class > 31)
         return Prepared::run;
-    const long demanded = instruction_class >> 3;
-    if (run.top - run.floor + 1 < demanded) {
+    const int demanded = instruction_class >> 3;
+    if (run.top < run.floor + (demanded - 1)) {
         failed(run, 800);
         return Prepared::failed;
     }
@@ -110,14 +110,23 @@ Next run_behaviour(Activation& run, int operation) {
     }
 }
 
-Next run_instruction(Activation& run) {
-    const int operation = run.now->operation;
+// Numbers and characters in place pass every check of a dyadic scalar class.
+bool two_in_place(const Activation& run) {
+    return run.top > run.floor && (run.top->type & run.top[-1].type & ISINPLACE);
+}
+
+Next run_instruction(Activation& run, int operation) {
+    const Bodies& instruction = bodies[operation];
+    if (instruction.dyadic && two_in_place(run)) {
+        op_flops = 0;
+        instruction.verb(&run.top, run.now, run.quads, 0);
+        return Next::advance;
+    }
     switch (prepare(run, classes[static_cast<std::size_t>(operation)])) {
     case Prepared::failed: return Next::failed;
     case Prepared::skip: return Next::advance;
     case Prepared::run: break;
     }
-    const Bodies& instruction = bodies[operation];
     if (instruction.verb) {
         instruction.verb(&run.top, run.now, run.quads, 0);
         return Next::advance;
@@ -160,15 +169,27 @@ Next run_conditional(Activation& run) {
 
 Next run_operator(Activation& run) {
     const int operation = run.now->operation;
+    flopos = 0;
     if (operation == op::IF_YES || operation == op::IF_NO)
         return run_conditional(run);
-    return run_instruction(run);
+    return run_instruction(run, operation);
 }
 
-Next push_literal(Activation& run) {
+// A cell that stands under no condition: a plain copy.
+Next push_literal(Activation& run, const Space& cell) {
     if (!room(run))
         return Next::failed;
-    push_copy(run, *run.now);
+    Space* pushed = run.top + 1;
+    *pushed = cell;
+    referencepoint(pushed);
+    run.top = pushed;
+    return Next::advance;
+}
+
+Next push_conditional(Activation& run, const Space& cell) {
+    if (!room(run))
+        return Next::failed;
+    push_copy(run, cell);
     return Next::advance;
 }
 
@@ -208,7 +229,7 @@ Next run_other(Activation& run) {
     case kind::LOCAL_VARIABLE: return push_local(run);
     case kind::UNUSED: return unusable(" Unused type:");
     case kind::INVALID: return unusable(" Unusable symbol:");
-    default: return push_literal(run);
+    default: return push_conditional(run, *run.now);
     }
 }
 
@@ -224,18 +245,16 @@ bool skipped(Activation& run, bool& failure) {
     return run.check == (yes ? 0 : 1);
 }
 
-Next run_cell(Activation& run) {
-    const Space& cell = *run.now;
+Next run_cell(Activation& run, const Space& cell) {
     if (cell.rank == kind::OPERATOR)
         return run_operator(run);
     if (cell.type & CONDITIONAL) {
         bool failure = false;
         if (skipped(run, failure))
             return failure ? Next::failed : Next::advance;
+        return cell.rank >= 0 ? push_conditional(run, cell) : run_other(run);
     }
-    if (cell.rank >= 0)
-        return push_literal(run);
-    return run_other(run);
+    return cell.rank >= 0 ? push_literal(run, cell) : run_other(run);
 }
 
 // Everything that seldom stands before a cell.
@@ -245,21 +264,33 @@ void attend_to(Activation& run) {
         inspect(run);
 }
 
+// The cells of one cycle, added to the count of the sentence when it ends, however it ends.
+struct CellCount {
+    std::uint64_t cells = 0;
+    CellCount() = default;
+    CellCount(const CellCount&) = delete;
+    CellCount& operator=(const CellCount&) = delete;
+    ~CellCount() { operators += static_cast<double>(cells); }
+};
+
 // The cycle. True: the list ended normally.
 bool cycle(Activation& run) {
-    while (!is_end(*run.cell)) {
-        flopos = 0;
+    CellCount count;
+    Space* cell = run.cell;
+    while (!is_end(*cell)) {
         run.cell_top = run.top;
-        if (attention.load(std::memory_order_relaxed) != 0 || run.trace || run.step) [[unlikely]]
+        if (attention.load(std::memory_order_relaxed) != 0) [[unlikely]]
             attend_to(run);
-        operators += 1;
-        switch (run_cell(run)) {
-        case Next::advance: run.now = ++run.cell; break;
-        case Next::jumped: run.now = run.cell; break;
-        case Next::again: break;
+        ++count.cells;
+        switch (run_cell(run, *run.now)) {
+        case Next::advance: ++cell; break;
+        case Next::jumped: cell = run.cell; break;
+        case Next::again: continue;
         case Next::end: return true;
         case Next::failed: return false;
         }
+        run.cell = cell;
+        run.now = cell;
     }
     return true;
 }
@@ -348,6 +379,8 @@ void run_to_end(Activation& run) {
 // A fresh run is a recovery point, for failures that are thrown and for faults of the process's
 // own.
 Space* run_fresh(Activation& run) {
+    if (!run.outer && !Trace && !Step)
+        attention.fetch_and(~std::uint32_t{attend::trace});
     FaultPoint point;
     if (sigsetjmp(point.context, 0) == 0) {
         point.arm();

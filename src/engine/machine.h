@@ -66,6 +66,7 @@ using Verb = void (*)(Space** top, const Space* cell, Space* quads, signed char 
 struct Bodies {
     Body body = nullptr;
     Verb verb = nullptr;
+    bool dyadic = false; ///< a verb of the dyadic scalar class
 };
 /// Bodies by instruction number; an instruction that runs but has neither reports 993.
 extern Bodies bodies[instruction_count];

@@ -2,8 +2,10 @@
 
 #include "engine/calls.h"
 #include "io/writers/exception.h"
+#include "parallel/coprocessor.h"
 #include "values/block.h"
 #include "values/refderef.h"
+#include "values/shared.h"
 
 namespace tessor {
 
@@ -38,19 +40,44 @@ bool is_storable(const Activation& run, const Space& address) {
     return !(address.type & ISLOCAL) || address.target < run.top;
 }
 
+// The value goes to its place; what stood there is released.
+void store(Space& target, const Space& value, bool keeps) {
+    Space old = target;
+    target = value;
+    target.type &= ~(CONDITIONAL | YES);
+    if (keeps)
+        referencepoint(&target);
+    dereferencepoint(&old);
+}
+
 Next store_name(Activation& run, bool keeps) {
     Space& address = *run.top;
     if (!is_storable(run, address))
         return failed(run, 55);
-    Space* target = address.target;
-    Held old(*target);
     Held name(address);
-    *target = run.top[-1];
-    target->type &= ~(CONDITIONAL | YES);
-    if (keeps)
-        referencepoint(target);
+    store(*address.target, run.top[-1], keeps);
     run.top -= keeps ? 1 : 2;
     return Next::advance;
+}
+
+// The next cell stores through the address that this one would push, and nothing looks at the stack
+// between the two.
+bool stores_next(const Activation& run) {
+    const Space& next = run.cell[1];
+    return next.rank == kind::OPERATOR
+           && (next.operation == op::SET || next.operation == op::ASSIGN) && run.now == run.cell
+           && run.top >= run.floor && processors == 1
+           && attention.load(std::memory_order_relaxed) == 0;
+}
+
+// Both cells in one: the address needn't go on the stack.
+Next store_through(Activation& run) {
+    const bool keeps = run.cell[1].operation == op::ASSIGN;
+    store(*run.cell->target, *run.top, keeps);
+    run.top -= keeps ? 0 : 1;
+    operators += 1;
+    run.cell += 2;
+    return Next::jumped;
 }
 
 } // namespace
@@ -101,6 +128,8 @@ Next push_address(Activation& run) {
     Space& cell = *run.now;
     if (cell.suboperation == op::SGIG) {
         mark_first(run, GLOBALCHANGE);
+        if (stores_next(run))
+            return store_through(run);
     } else {
         if (keep_bound(run, cell) && cell.suboperation == op::SAIG)
             mark_first(run, GLOBALCHANGE);

@@ -259,13 +259,20 @@ bool scalar_road(const Op& op, Space** top, signed char mode) {
     return true;
 }
 
+inline bool integers_in_place(const Space* top) {
+    return (top->type & top[-1].type & ISINPLACE) && top->tag == tag::integer
+           && top[-1].tag == tag::integer;
+}
+
 /// The whole of a dyadic verb.
 template <class Op, VerbFunction verb>
 void dyadic(Space** top, const Space* cell, Space* quads, signed char mode) {
     static constexpr DyadicVerb table = dyadic_verb<Op>(verb);
     Op op;
-    if constexpr (requires { op.tolerance; })
-        op.tolerance = comparison_tolerance(quads);
+    if constexpr (requires { op.tolerance; }) {
+        if (!integers_in_place(*top)) // which are compared exactly
+            op.tolerance = comparison_tolerance(quads);
+    }
     if (!scalar_road(op, top, mode))
         run_dyadic(table, &op, top, cell, quads, mode);
 }

@@ -127,8 +127,10 @@ constexpr VerbRow verb_rows[] = {
 void fill_dispatch() {
     for (const BodyRow& row : body_rows)
         bodies[row.instruction].body = row.body;
-    for (const VerbRow& row : verb_rows)
+    for (const VerbRow& row : verb_rows) {
         bodies[row.instruction].verb = row.verb;
+        bodies[row.instruction].dyadic = instruction_table[row.instruction].instruction_class == 18;
+    }
 }
 
 } // namespace tessor

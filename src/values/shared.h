@@ -38,7 +38,7 @@ namespace attend {
 enum : std::uint32_t {
     interrupt = 1, ///< SIGINT or SIGQUIT came
     fault = 2,     ///< SIGFPE, SIGBUS, SIGSEGV or another came from outside
-    trace = 4,     ///< Trace or Step is on
+    trace = 4,     ///< an activation may be traced or stepped
     timing = 8,    ///< a clock reading per cell
     failure = 16,  ///< a worker's slice failed
 };

@@ -247,7 +247,9 @@ struct Stored<Quotient> {
     using Wide = double;
     static constexpr Storage wide_storage = Storage::quotient;
     static constexpr bool fits(Quotient v) {
-        const double whole = __builtin_trunc(v.value);
+        constexpr double rounding = 4503599627370496.0; // leaves no place for a fraction
+        const double whole =
+            std::is_constant_evaluated() ? v.value + rounding - rounding : __builtin_trunc(v.value);
         return (v.value >= 0) & (v.value <= largest_integer) & (v.value == whole);
     }
     static std::int32_t misfit(Quotient v) { return fits(v) ? 0 : -1; }

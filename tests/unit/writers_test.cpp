@@ -95,6 +95,15 @@ Space enclosed(const Space& inner, std::int16_t depth) {
     return space;
 }
 
+// An enclosed value that has no shape.
+Space lone(const Space& inner, std::int16_t depth) {
+    Space space;
+    make_scalar(space, inside(inner));
+    space.type = ISSCALAR | STRUCTURED | ISSTRUCTURE;
+    space.depth = depth;
+    return space;
+}
+
 Space text(const std::string& bytes) {
     Space space;
     make_text(space, bytes.data(), bytes.size());
@@ -275,6 +284,9 @@ TEST(Writers, EnclosedValues) {
         {enclosed(shaped(array({i(1), i(2)}), {2, 1}), 0), " `(  1 2  )`", " `( 1 2 )` [ 2 1 ]"},
         {enclosed(vector(), 1), " `(  1 2 3  )`", " ( 1 2 3 ) ATOM"},
         {enclosed(text("ab"), 0), " `( 'ab' )`", " 'ab' ATOM"},
+        {lone(vector(), 0), " `(  1 2 3  )`", " `( 1 2 3 )`"},
+        {lone(vector(), 2), " `(  1 2 3  )`", " ( 1 2 3 ) ATOM FIRST"},
+        {array({i(1), inside(lone(vector(), 0))}), " 1  `(  1 2 3  )` ", " [. 1 `( 1 2 3 )` .]"},
         {enclosed(empty(HASINTEGER), 0), " `( .\n  )`", " `( )`"},
         {with(enclosed(vector(), 0), CONDITIONAL), " `(  1 2 3  )` IF_NO", " `( 1 2 3 )` IF_NO"},
         {array({i(1), inside(enclosed(vector(), 1))}), " 1  `(  1 2 3  )` ",

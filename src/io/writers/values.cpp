@@ -323,7 +323,8 @@ void write_enclosed_source(Writer& out, const Space& space, Place place) {
         bool joined = false;
         write_element(out, only, place, true, joined);
     }
-    out.put(" ATOM");
+    // What ATOM encloses keeps a shape, a scalar has none.
+    out.put(space.rank == 0 ? " ATOM FIRST" : " ATOM");
 }
 
 void write_enclosed(Writer& out, const Space& space, Place place) {
@@ -373,8 +374,6 @@ void write_scalar(Writer& out, const Space& space, Place place) {
     bool joined = false;
     if (is_text(space))
         write_text(out, space, place);
-    else if (element.tag == tag::subarray)
-        write_subarray(out, *element.subarray, place, joined);
     else
         write_element(out, element, place, whole_as_integer(space), joined);
 }
@@ -382,10 +381,10 @@ void write_scalar(Writer& out, const Space& space, Place place) {
 void write_data(Writer& out, const Space& space, Place place) {
     if (space.type & ISEMPTY)
         write_empty(out, space, place);
-    else if (space.rank == 0)
-        write_scalar(out, space, place);
     else if (is_enclosed(space))
         write_enclosed(out, space, place);
+    else if (space.rank == 0)
+        write_scalar(out, space, place);
     else if (!has_data(space))
         out.put(place.level == 0 && place.style == Style::display ? " ." : " #NIL");
     else if (is_text(space))

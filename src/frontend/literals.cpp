@@ -159,6 +159,7 @@ void open_nested(Scanner& s, ScanMode mode) {
     if (!may_nest(s)) {
         Space refused;
         make_empty(refused);
+        refused.type = ISVECTOR;
         Owned shown(refused);
         exception(807, nullptr, &refused);
         return;

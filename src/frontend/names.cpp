@@ -7,6 +7,9 @@
 #include "values/refderef.h"
 #include "values/text.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace tessor {
 
 namespace {
@@ -115,12 +118,13 @@ void compile_slil(Scanner& s, const std::string& name) {
             s, name_cell(kind::VARIABLE, ISVARIABLE, op::SLIL, table, bucket->name, bucket->value));
 }
 
-// A label's value is the number of the cell behind its own, counted from 1.
+// A label's value is the number of the cell behind its own, counted from 1. A reference keeps the
+// table, without which the value would be gone when the batch runs.
 void compile_label(Scanner& s, const std::string& name) {
-    const Bucket* bucket = bucket_of(hash_of(own_table(s)), name);
+    MeaningTable* table = own_table(s);
+    const Bucket* bucket = bucket_of(hash_of(table), name);
     if (addressing(s)) {
-        Space cell = name_cell(kind::LABEL, ISADDRESS, 0, nullptr, bucket->name, bucket->value);
-        emit_name(s, cell);
+        emit_name(s, name_cell(kind::LABEL, ISADDRESS, 0, table, bucket->name, bucket->value));
         return;
     }
     const auto position = static_cast<std::int32_t>(level(s).count) + 2;
@@ -189,7 +193,8 @@ void compile_local(Scanner& s) {
     const IntegerMatch number = match_integer(s.input, 1);
     use(s.input, number.length + 1);
     const bool address = addressing(s);
-    const Space cell = local_cell(address, number.value - 1);
+    constexpr std::int32_t lowest = -std::numeric_limits<std::int32_t>::max();
+    const Space cell = local_cell(address, std::max(number.value, lowest) - 1);
     s.mode = ScanMode::code;
     if (!emit(s, cell))
         return;

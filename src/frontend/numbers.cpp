@@ -1,7 +1,7 @@
 #include "frontend/numbers.h"
 
-#include "frontend/polar.h"
 #include "io/writers/exception.h"
+#include "values/hypercomplex.h"
 
 #include <algorithm>
 #include <charconv>
@@ -125,7 +125,13 @@ void finish_polar(Element& element, const Prefix& prefix) {
         element.marks |= mark::degrees;
         std::transform(element.c + 1, element.c + 8, element.c + 1, radians);
     }
-    polar_to_cartesian(element.tag, element.c);
+    double flops = 0;
+    if (element.tag == tag::complex)
+        cartesiancomplex(element.c, element.c, flops);
+    else if (element.tag == tag::quaternion)
+        cartesianquat(element.c, element.c, flops);
+    else
+        cartesianocto(element.c, element.c, flops);
 }
 
 ElementMatch match_components(Input& input, Place place, const Prefix& prefix,

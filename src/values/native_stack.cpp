@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t reserve = std::size_t{256} << 10;
 
 // A runaway recursion is to end before it has used up the machine's memory.
-constexpr std::size_t most_native_stack = std::size_t{256} << 20;
+constexpr std::size_t most_native_stack = std::size_t{48} << 20;
 
 // The kernel lets no stack grow closer than this to another mapping.
 constexpr std::size_t mapping_gap = std::size_t{1} << 20;

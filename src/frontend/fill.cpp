@@ -247,6 +247,8 @@ int fill(Space* cells, MeaningTable* table, std::FILE* stream, const char** text
     const int n = compile(s);
     if (text)
         *text = reinterpret_cast<const char*>(s.input.at + s.input.ready);
+    if (s.input.ended)
+        release_look_ahead(s.input);
     return n;
 }
 

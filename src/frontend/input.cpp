@@ -72,6 +72,12 @@ void restart(Input& input, std::FILE* stream, const char* text) {
     input.ready = 0;
 }
 
+void release_look_ahead(Input& input) {
+    input.buffer = {};
+    input.at = nullptr;
+    input.ready = 0;
+}
+
 int peek_further(Input& input, std::size_t ahead) {
     while (input.ready <= ahead) {
         const int byte = read_byte(input);

@@ -27,6 +27,8 @@ inline constexpr int input_end = -1;
 
 /// Restarts on a text if one is given, else on the stream.
 void restart(Input& input, std::FILE* stream, const char* text);
+/// Gives up what a token may have taken to be looked at; a restart must follow.
+void release_look_ahead(Input& input);
 
 /// Reads up to the byte at `ahead`. May throw ErrorJump, when a signal interrupts the reading.
 int peek_further(Input& input, std::size_t ahead);

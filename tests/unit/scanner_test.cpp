@@ -83,56 +83,79 @@ protected:
 };
 
 struct Match {
+    const char* name;
     const char* source;
     const char* words;
 };
 
 class LongestMatch : public Scanner, public testing::WithParamInterface<Match> {};
 
+template <class Case>
+std::string name_of(const testing::TestParamInfo<Case>& info) {
+    return info.param.name;
+}
+
 TEST_P(LongestMatch, Words) {
     compile_quietly(std::string(GetParam().source) + " .");
     EXPECT_EQ(words(), GetParam().words);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Numbers, LongestMatch,
-    testing::Values(Match{"3-2", "3 -2"}, Match{"3 - 2", "3 SUBTRACT'- 2"}, Match{"12AB", "12 AB"},
-                    Match{"1E3 1E-3 2.0", "1000 real real"},
-                    Match{"2147483647 2147483648", "2147483647 real"},
-                    Match{"1..", "1 INTERVAL'.."}, Match{"-NaN -Inf", "SUBTRACT'- real real"},
-                    Match{"1k2j3", "number j3"}, Match{"1inf 1iinf", "1 real number"},
-                    Match{"r1r2 d5 #5 r5", "number d5 #5 r5"}, Match{"1i2p3", "number p3"},
-                    Match{"1e 1e+ 1i", "1 e 1 e+ 1 i"},
-                    Match{"0#101 0#000000001 0#", "char 1 0 NOTEQUIVALENT'#"},
-                    Match{"#PIX #PI -#LN2", "#PIX real SUBTRACT'- real"}));
+const Match numbers[] = {
+    {"SignBeforeDigit", "3-2", "3 -2"},
+    {"SignAlone", "3 - 2", "3 SUBTRACT'- 2"},
+    {"LettersBehind", "12AB", "12 AB"},
+    {"WholeByExponent", "1E3 1E-3 2.0", "1000 real real"},
+    {"GreatestInteger", "2147483647 2147483648", "2147483647 real"},
+    {"PointsBehind", "1..", "1 INTERVAL'.."},
+    {"SignOfNaN", "-NaN -Inf", "SUBTRACT'- real real"},
+    {"LettersOutOfOrder", "1k2j3", "number j3"},
+    {"Infinity", "1inf 1iinf", "1 real number"},
+    {"PrefixesAlone", "r1r2 d5 #5 r5", "number d5 #5 r5"},
+    {"LettersOfBothForms", "1i2p3", "number p3"},
+    {"LettersAlone", "1e 1e+ 1i", "1 e 1 e+ 1 i"},
+    {"Bits", "0#101 0#000000001 0#", "char 1 0 NOTEQUIVALENT'#"},
+    {"Constants", "#PIX #PI -#LN2", "#PIX real SUBTRACT'- real"},
+};
+INSTANTIATE_TEST_SUITE_P(Numbers, LongestMatch, testing::ValuesIn(numbers), name_of<Match>);
 
-INSTANTIATE_TEST_SUITE_P(
-    Spellings, LongestMatch,
-    testing::Values(Match{"~^ ~^X", "NAND'~^ NOT'~ AND'^ X"},
-                    Match{"!^ !?? !? ", "STRONGAND'!^ DEAL'!?? EXECUTE'! ROLL'?"},
-                    Match{"!~^X !~vX !vX", "STRONGNAND'!~^ X STRONGNOR'!~v X STRONGOR'!v X"},
-                    Match{"vX X.v", "OR'v X X v"}, Match{"<X < X", "<X LESS'< X"},
-                    Match{"**X PI*X PI* ", "POWER'** X PI*X PITIMES'PI*"},
-                    Match{"RANDOMISEX RANDOMIZEX", "RANDOMISE'RANDOMISE X RANDOMIZEX"},
-                    Match{"READY READ", "READY READ'READ"},
-                    Match{"/../ /../[] /-/X", "REPLICATE'/../ REPLICATEAXIS'/../[] DIVIDE'/ "
-                                              "SUBTRACT'- DIVIDE'/ X"},
-                    Match{",[ ,[.]", "CATENATE', [ LAMINATE',[.]"},
-                    Match{"FIRST\n ELEMENT FIRST ELEMENTS", "FIRST'FIRST\n ELEMENT FIRST'FIRST "
-                                                            "ELEMENTS"},
-                    Match{"NEWLARGECONTEXT NEW  SMALLCONTEXT NEW", "CONTEXT'NEWLARGECONTEXT "
-                                                                   "CONTEXT'NEW  SMALLCONTEXT NEW"},
-                    Match{"VARS 2 X ARGS 3", "VARIABLES'VARS 2 X ARGS 3"},
-                    Match{"\xb0+X \xb0+ \xcco", "\xb0+X CONJUGATE'\xb0+ PRINT'\xcco"}));
+const Match spellings[] = {
+    {"BoundaryBehindSymbols", "~^ ~^X", "NAND'~^ NOT'~ AND'^ X"},
+    {"Exclamations", "!^ !?? !? ", "STRONGAND'!^ DEAL'!?? EXECUTE'! ROLL'?"},
+    {"StrongOnes", "!~^X !~vX !vX", "STRONGNAND'!~^ X STRONGNOR'!~v X STRONGOR'!v X"},
+    {"LetterThatIsAVerb", "vX X.v", "OR'v X X v"},
+    {"SymbolInAName", "<X < X", "<X LESS'< X"},
+    {"SymbolInAWord", "**X PI*X PI* ", "POWER'** X PI*X PITIMES'PI*"},
+    {"WordWithoutBoundary", "RANDOMISEX RANDOMIZEX", "RANDOMISE'RANDOMISE X RANDOMIZEX"},
+    {"WordInAName", "READY READ", "READY READ'READ"},
+    {"Slashes", "/../ /../[] /-/X",
+     "REPLICATE'/../ REPLICATEAXIS'/../[] DIVIDE'/ SUBTRACT'- DIVIDE'/ X"},
+    {"Brackets", ",[ ,[.]", "CATENATE', [ LAMINATE',[.]"},
+    {"TwoWords", "FIRST\n ELEMENT FIRST ELEMENTS", "FIRST'FIRST\n ELEMENT FIRST'FIRST ELEMENTS"},
+    {"QuotesAndBarsBetweenWords", "REDUCING\"|REST FIRST | \"ELEMENT EXACT|MATCH ",
+     "REST'REDUCING\"|REST FIRST'FIRST | \"ELEMENT EXACTMATCH"},
+    {"WordsOfContexts", "NEWLARGECONTEXT NEW  SMALLCONTEXT NEW\nLARGE DICTIONARY NEW",
+     "CONTEXT'NEWLARGECONTEXT CONTEXT'NEW  SMALLCONTEXT CONTEXT'NEW\nLARGE DICTIONARY NEW"},
+    {"OtherContextsAreOneWord", "PREVIOUSCONTEXT PREVIOUS CONTEXT BASIC DICTIONARY",
+     "CONTEXT'PREVIOUSCONTEXT PREVIOUS CONTEXT'CONTEXT BASIC CONTEXT'DICTIONARY"},
+    {"NoHeader", "VARS 2 X ARGS 3", "VARIABLES'VARS 2 X ARGS 3"},
+    {"HighBytes", "\xb0+X \xb0+ \xcco", "\xb0+X CONJUGATE'\xb0+ PRINT'\xcco"},
+};
+INSTANTIATE_TEST_SUITE_P(Spellings, LongestMatch, testing::ValuesIn(spellings), name_of<Match>);
 
-INSTANTIATE_TEST_SUITE_P(Names, LongestMatch,
-                         testing::Values(Match{"A!B @A!B", "A !B @A!B"}, Match{"X(Y|Z\"", "XYZ"},
-                                         Match{"\x02"
-                                               "a b.\x03 @\x02_c\x03",
-                                               "a b. @c"},
-                                         Match{"_5 _A $A .A", "_5 A A A"}, Match{"@ X", "@X"}));
+const Match names[] = {
+    {"ExclamationEndsOne", "A!B @A!B", "A !B @A!B"},
+    {"BytesThatVanish", "X(Y|Z\"", "XYZ"},
+    {"Quoted",
+     "\x02"
+     "a b.\x03 @\x02_c\x03",
+     "a b. @c"},
+    {"Prefixed", "_5 _A $A .A", "_5 A A A"},
+    {"BlanksBehindAt", "@ X", "@X"},
+};
+INSTANTIATE_TEST_SUITE_P(Names, LongestMatch, testing::ValuesIn(names), name_of<Match>);
 
 struct Reading {
+    const char* name;
     const char* source;
     const char* rest;
 };
@@ -145,12 +168,14 @@ TEST_P(LookAhead, Rest) {
     EXPECT_EQ(rest, GetParam().rest);
 }
 
-INSTANTIATE_TEST_SUITE_P(Batches, LookAhead,
-                         testing::Values(Reading{"1 .\n2 .", "2 ."}, Reading{"1 .\n\n2", "\n2"},
-                                         Reading{"1 . 2 .", "2 ."}, Reading{"1 .] 2", ""},
-                                         Reading{"1 .][X", ""}, Reading{"1 ..XY", "Y"},
-                                         Reading{"END\n1", "1"}, Reading{"END 1", "1"},
-                                         Reading{"1 .", ""}, Reading{"1 .(", ""}));
+const Reading batches[] = {
+    {"LineEnd", "1 .\n2 .", "2 ."},    {"OneLineEnd", "1 .\n\n2", "\n2"},
+    {"Blank", "1 . 2 .", "2 ."},       {"LongerSpelling", "1 .] 2", ""},
+    {"LongestSpelling", "1 .][X", ""}, {"NotALongerSpelling", "1 ..XY", "Y"},
+    {"WordAndLineEnd", "END\n1", "1"}, {"WordAndBlank", "END 1", "1"},
+    {"EndOfInput", "1 .", ""},         {"ByteThatIsLost", "1 .(", ""},
+};
+INSTANTIATE_TEST_SUITE_P(Batches, LookAhead, testing::ValuesIn(batches), name_of<Reading>);
 
 TEST_F(Scanner, StreamStandsBehindTheBatch) {
     const char source[] = "(1 2) .\nleft";
@@ -253,6 +278,26 @@ TEST_F(Scanner, LabelsCountCells) {
     EXPECT_EQ(body[4].rank, kind::LABEL);
     EXPECT_EQ(element_at(*body[4].target, 0).integer, 2);
     EXPECT_EQ(element_at(*body[5].target, 0).integer, 4);
+}
+
+TEST_F(Scanner, PendingNamesHaveALimit) {
+    compile_quietly(": " + repeat(512, "@A ") + "; .");
+    EXPECT_EQ(reported, "");
+    compile_quietly(": " + repeat(513, "@A ") + "; .");
+    EXPECT_EQ(reported.find("808"), reported.rfind("808"));
+    EXPECT_NE(reported.find("808"), std::string::npos);
+    EXPECT_EQ(cells[0].elements, 515u) << "the name's cell stays";
+}
+
+TEST_F(Scanner, TopLevelLabelsLastAsLongAsTheBatch) {
+    compile("1 %L @%L .");
+    EXPECT_EQ(element_at(*cells[2].target, 0).integer, 3);
+}
+
+TEST_F(Scanner, LocalsBeyondAllBounds) {
+    compile_quietly("&-99999999999 &99999999999 .");
+    EXPECT_LT(element_at(cells[0], 0).integer, 0);
+    EXPECT_GT(element_at(cells[1], 0).integer, 0);
 }
 
 TEST_F(Scanner, SpellingsNeedNoStorage) {

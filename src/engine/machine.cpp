@@ -466,9 +466,7 @@ bool no_room(Activation& run) {
 }
 
 bool may_nest(Activation& run) {
-    // What the innermost activation writes, its report of 806 above all, is guarded too.
-    constexpr std::size_t for_writers = std::size_t{64} << 10;
-    if (stack_guard(for_writers))
+    if (stack_guard(for_report))
         return true;
     failed(run, 806);
     return false;

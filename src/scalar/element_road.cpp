@@ -46,7 +46,7 @@ Element enclosed_top(const Frame& f) {
 Element recurse(const Frame& f, const DyadicVerb& verb, const Element& left, const Element& right) {
     check_subarray(f, *f.left, left);
     check_subarray(f, *f.right, right);
-    if (!stack_guard() || *f.top + 1 > stacktop)
+    if (!stack_guard(for_report) || *f.top + 1 > stacktop)
         fail(806, f.top, f.cell);
     push(f, left);
     push(f, right);
@@ -126,7 +126,7 @@ Element transformed(const Frame& f, const MonadicVerb& verb, const Element& elem
     Element result;
     if (element.tag == tag::subarray) {
         check_subarray(f, *f.left, element);
-        if (!stack_guard())
+        if (!stack_guard(for_report))
             fail(806, f.top, f.cell);
         Copy copy(*element.subarray);
         Space* top = copy.get();

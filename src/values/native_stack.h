@@ -13,6 +13,9 @@ extern std::uintptr_t native_stack_floor;
 /// own. Call it once at start-up, on the main thread.
 void measure_native_stack();
 
+/// What a recursion that may end in a report leaves to the report, whose writers are guarded too.
+inline constexpr std::size_t for_report = std::size_t{64} << 10;
+
 /// True while there is enough native stack to go one level deeper, with so many bytes to spare;
 /// false is number 806.
 inline bool stack_guard(std::size_t spare = 0) {

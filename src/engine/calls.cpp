@@ -53,6 +53,32 @@ void open_locals(Space* first_operand, long n, int locals) {
     }
 }
 
+Next run_on_operands(Activation& run, const Space& function) {
+    const long n = function.arguments;
+    if (n > 0 && run.values() < n) {
+        failed(run, 800);
+        return Next::advance;
+    }
+    return run_function(run, function, n);
+}
+
+// The body of a function under way, whose name may be given another value meanwhile.
+class HeldBody {
+public:
+    explicit HeldBody(Space* body) : body_(body) { count_up(body); }
+    HeldBody(const HeldBody&) = delete;
+    HeldBody& operator=(const HeldBody&) = delete;
+    ~HeldBody() {
+        if (count_of(body_) > 1)
+            count_down(body_);
+        else
+            release_body(body_);
+    }
+
+private:
+    Space* body_;
+};
+
 } // namespace
 
 // What was entered stays in the caller's chain after the call.
@@ -96,12 +122,13 @@ Next call(Activation& run) {
     enter_table(run, *run.top);
     Held function(*run.top);
     --run.top;
-    const long n = function.value().arguments;
-    if (n > 0 && run.values() < n) {
-        failed(run, 800);
-        return Next::advance;
-    }
-    return run_function(run, function.value(), n);
+    return run_on_operands(run, function.value());
+}
+
+Next call_named(Activation& run, const Space& function) {
+    enter_table(run, function);
+    const HeldBody held(function.body);
+    return run_on_operands(run, function);
 }
 
 void close_locals(Activation& run) noexcept {

@@ -9,6 +9,13 @@ namespace tessor {
 /// 800, no room for the locals, or on the native stack, 806; the function is off the stack then.
 Next call(Activation& run);
 
+/// A function that runs when its name is met.
+inline bool runs_by_name(const Space& value) {
+    return value.rank == kind::FUNCTION && (value.body->type & ISOPERATOR) != 0;
+}
+/// The same as pushing such a function and calling it. There must be room for the push.
+Next call_named(Activation& run, const Space& function);
+
 /// Lets the function's own table join the chain of the activation that calls it.
 void enter_table(Activation& run, const Space& function);
 

@@ -3,6 +3,7 @@
 #include "engine/calls.h"
 #include "engine/control.h"
 #include "engine/names.h"
+#include "engine/short_road.h"
 #include "engine/signals.h"
 #include "io/writers/dump.h"
 #include "io/writers/exception.h"
@@ -110,18 +111,8 @@ Next run_behaviour(Activation& run, int operation) {
     }
 }
 
-// Numbers and characters in place pass every check of a dyadic scalar class.
-bool two_in_place(const Activation& run) {
-    return run.top > run.floor && (run.top->type & run.top[-1].type & ISINPLACE);
-}
-
 Next run_instruction(Activation& run, int operation) {
     const Bodies& instruction = bodies[operation];
-    if (instruction.dyadic && two_in_place(run)) {
-        op_flops = 0;
-        instruction.verb(&run.top, run.now, run.quads, 0);
-        return Next::advance;
-    }
     switch (prepare(run, classes[static_cast<std::size_t>(operation)])) {
     case Prepared::failed: return Next::failed;
     case Prepared::skip: return Next::advance;
@@ -179,10 +170,8 @@ Next run_operator(Activation& run) {
 Next push_literal(Activation& run, const Space& cell) {
     if (!room(run))
         return Next::failed;
-    Space* pushed = run.top + 1;
-    *pushed = cell;
-    referencepoint(pushed);
-    run.top = pushed;
+    copy_words(run.top[1], cell);
+    referencepoint(++run.top);
     return Next::advance;
 }
 
@@ -213,8 +202,10 @@ Next unusable(const char* text) {
 Next push_named(Activation& run) {
     const Space& cell = *run.now;
     const Space* value = cell.target;
-    if (cell.suboperation != op::SGIG || !value || value->rank < 0 || run.top > stacktop)
+    if (cell.suboperation != op::SGIG || !value || run.top > stacktop)
         return push_variable(run);
+    if (value->rank < 0)
+        return runs_by_name(*value) ? call_named(run, *value) : push_variable(run);
     push_copy(run, *value);
     return Next::advance;
 }
@@ -264,35 +255,31 @@ void attend_to(Activation& run) {
         inspect(run);
 }
 
-// The cells of one cycle, added to the count of the sentence when it ends, however it ends.
-struct CellCount {
-    std::uint64_t cells = 0;
-    CellCount() = default;
-    CellCount(const CellCount&) = delete;
-    CellCount& operator=(const CellCount&) = delete;
-    ~CellCount() { operators += static_cast<double>(cells); }
-};
-
 // The cycle. True: the list ended normally.
 bool cycle(Activation& run) {
-    CellCount count;
-    Space* cell = run.cell;
-    while (!is_end(*cell)) {
+    CellCount count(run);
+    for (;;) {
+        if (attention.load(std::memory_order_relaxed) == 0) [[likely]] {
+            if (run.now == run.cell && short_road(run, count))
+                return true;
+        }
+        Space* const cell = run.cell;
+        if (is_end(*cell)) {
+            count.end();
+            return true;
+        }
         run.cell_top = run.top;
         if (attention.load(std::memory_order_relaxed) != 0) [[unlikely]]
             attend_to(run);
-        ++count.cells;
         switch (run_cell(run, *run.now)) {
-        case Next::advance: ++cell; break;
-        case Next::jumped: cell = run.cell; break;
-        case Next::again: continue;
+        case Next::advance: run.cell = cell + 1; break;
+        case Next::jumped: count.jump(cell, run.cell); break;
+        case Next::again: count.again(); continue;
         case Next::end: return true;
         case Next::failed: return false;
         }
-        run.cell = cell;
-        run.now = cell;
+        run.now = run.cell;
     }
-    return true;
 }
 
 void show_top(const Activation& run) {

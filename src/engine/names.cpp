@@ -19,13 +19,6 @@ void rebind(Space& cell, MeaningTable* link, Space* value) {
     cell.target = value;
 }
 
-// The stack cell of the local that the cell numbers, in a packed block of one integer; null if the
-// frame has no such local.
-Space* local_of(const Activation& run) {
-    const auto slot = *static_cast<const std::int32_t*>(run.now->data_pointer);
-    return slot >= 0 && slot < run.floor - run.base ? run.base + slot : nullptr;
-}
-
 Next call_verb(Activation& run) {
     Space& function = *run.top;
     function.type = function.body->type;
@@ -60,26 +53,6 @@ Next store_name(Activation& run, bool keeps) {
     return Next::advance;
 }
 
-// The next cell stores through the address that this one would push, and nothing looks at the stack
-// between the two.
-bool stores_next(const Activation& run) {
-    const Space& next = run.cell[1];
-    return next.rank == kind::OPERATOR
-           && (next.operation == op::SET || next.operation == op::ASSIGN) && run.now == run.cell
-           && run.top >= run.floor && processors == 1
-           && attention.load(std::memory_order_relaxed) == 0;
-}
-
-// Both cells in one: the address needn't go on the stack.
-Next store_through(Activation& run) {
-    const bool keeps = run.cell[1].operation == op::ASSIGN;
-    store(*run.cell->target, *run.top, keeps);
-    run.top -= keeps ? 0 : 1;
-    operators += 1;
-    run.cell += 2;
-    return Next::jumped;
-}
-
 } // namespace
 
 // A Space that is unset may have been forgotten, and the name made again.
@@ -104,12 +77,6 @@ void make_name(Space& cell, MeaningTable* link, HashTable* hash) {
         rebind(cell, link, made->value);
 }
 
-// A literal in the first place is a value and takes no mark.
-void mark_first(Activation& run, std::uint32_t bits) {
-    if (run.first->rank < 0)
-        run.first->type |= bits;
-}
-
 Next push_variable(Activation& run) {
     if (!room(run))
         return Next::failed;
@@ -128,8 +95,6 @@ Next push_address(Activation& run) {
     Space& cell = *run.now;
     if (cell.suboperation == op::SGIG) {
         mark_first(run, GLOBALCHANGE);
-        if (stores_next(run))
-            return store_through(run);
     } else {
         if (keep_bound(run, cell) && cell.suboperation == op::SAIG)
             mark_first(run, GLOBALCHANGE);
@@ -149,7 +114,7 @@ Next push_address(Activation& run) {
 Next push_local(Activation& run) {
     if (!room(run))
         return Next::failed;
-    const Space* local = local_of(run);
+    const Space* local = local_of(run, *run.now);
     if (!local || local->rank == kind::VARIABLE)
         return failed(run, 23);
     push_copy(run, *local);
@@ -159,7 +124,7 @@ Next push_local(Activation& run) {
 Next push_local_address(Activation& run) {
     if (!room(run))
         return Next::failed;
-    Space* local = local_of(run);
+    Space* local = local_of(run, *run.now);
     if (!local)
         return failed(run, 23);
     Space& pushed = *++run.top;

@@ -300,14 +300,8 @@ Bucket* meaning(MeaningTable* link, char* name, HashTable** out) {
     return enter(hash, static_cast<char*>(owned.release()));
 }
 
-MeaningTable* hold(MeaningTable* link) {
-    count_up(link);
-    return link;
-}
-
-void drop(MeaningTable* link) noexcept {
-    if (!link || !count_down(link))
-        return;
+// A link whose last holder has gone.
+void release_last(MeaningTable* link) noexcept {
     link->inner = dead_links;
     dead_links = link;
     if (!releasing_links)

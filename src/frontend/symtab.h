@@ -4,6 +4,7 @@
 // a link holds its table and its outer link, a cell holds the link under which its name was found.
 #pragma once
 
+#include "values/block.h"
 #include "values/space.h"
 
 #include <cstdint>
@@ -62,8 +63,15 @@ void pushsymtabs(MeaningTable* inner, MeaningTable* outer);
 MeaningTable* popsymtabs(MeaningTable* link);
 
 /// Counts a link up or down.
-MeaningTable* hold(MeaningTable* link);
-void drop(MeaningTable* link) noexcept;
+inline MeaningTable* hold(MeaningTable* link) {
+    count_up(link);
+    return link;
+}
+void release_last(MeaningTable* link) noexcept;
+inline void drop(MeaningTable* link) noexcept {
+    if (link && count_down(link))
+        release_last(link);
+}
 
 /// Forgets one name. Cells that still hold its Space find it unset; #IO and #CT live on in quads.
 void forgethash(HashTable* hash, Bucket* bucket) noexcept;

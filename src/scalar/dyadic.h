@@ -179,38 +179,42 @@ constexpr DyadicVerb dyadic_verb(VerbFunction verb) {
 
 // Two scalars in place: no loop, no block.
 
-inline void put_in_place(Space& space, std::int32_t value) {
-    space.tag = tag::integer;
-    space.integer = value;
+/// What a result in place is made of.
+struct InPlace {
+    std::int32_t tag;
+    std::uint64_t value; ///< last word of the record
+};
+
+inline InPlace in_place_of(std::int32_t value) {
+    return {tag::integer, word_of(static_cast<std::uint32_t>(value), 0)};
 }
-inline void put_in_place(Space& space, double value) {
-    space.tag = tag::real;
-    space.real = value;
+inline InPlace in_place_of(double value) {
+    return {tag::real, std::bit_cast<std::uint64_t>(value)};
 }
-inline void put_in_place(Space& space, Truth value) {
-    put_in_place(space, std::int32_t{value.value});
+inline InPlace in_place_of(Truth value) {
+    return in_place_of(std::int32_t{value.value});
 }
-inline void put_in_place(Space& space, Degree value) {
-    put_in_place(space, value.value);
+inline InPlace in_place_of(Degree value) {
+    return in_place_of(value.value);
 }
-inline void put_in_place(Space& space, const Promoted& value) {
-    if (value.fits)
-        put_in_place(space, value.whole);
-    else
-        put_in_place(space, value.value);
+inline InPlace in_place_of(const Promoted& value) {
+    return value.fits ? in_place_of(value.whole) : in_place_of(value.value);
 }
-inline void put_in_place(Space& space, Quotient value) {
-    if (Stored<Quotient>::fits(value))
-        put_in_place(space, static_cast<std::int32_t>(value.value));
-    else
-        put_in_place(space, value.value);
+inline InPlace in_place_of(Quotient value) {
+    return Stored<Quotient>::fits(value) ? in_place_of(static_cast<std::int32_t>(value.value))
+                                         : in_place_of(value.value);
 }
 template <RealLike Usual, RealLike Other>
-void put_in_place(Space& space, const Either<Usual, Other>& value) {
-    if (value.is_usual)
-        put_in_place(space, value.usual);
-    else
-        put_in_place(space, value.other);
+InPlace in_place_of(const Either<Usual, Other>& value) {
+    return value.is_usual ? in_place_of(value.usual) : in_place_of(value.other);
+}
+
+/// Writes a result over a scalar in place, whose type bits that aren't kinds stay.
+inline void put_in_place(Space& space, const InPlace& result, Look look, std::uint32_t more) {
+    const std::uint32_t type = (space.type & ~0x407f40u) | more | kind_bit(result.tag);
+    put_word(space, 0, word_of(0, type));
+    put_word(space, 3, look_word(look.form, look.marks, result.tag));
+    put_word(space, 4, result.value);
 }
 
 inline std::int32_t value_in_place(const Space& space, std::int32_t) {
@@ -220,48 +224,48 @@ inline double value_in_place(const Space& space, double) {
     return space.real;
 }
 
+/// The result over the left of two numbers in place. Returns its flops.
 template <class L, class R, class Op>
-[[gnu::always_inline]] inline void scalar_pair(const Op& op, Space& left, const Space& right) {
+[[gnu::always_inline]] inline int scalar_pair(const Op& op, Space& left, const Space& right) {
     const L l = value_in_place(left, L{});
     const R r = value_in_place(right, R{});
     const auto result = op.apply(l, r);
     const Looks looks{{left.form, left.marks}, {right.form, right.marks}, false};
     const Look look = Pair<Op, L, R>::look_of(looks);
-    op_flops += static_cast<double>(op.flops(l, r, result));
-    put_in_place(left, result);
-    left.form = look.form;
-    left.marks = look.marks;
-    left.type = (left.type & ~0x407f40u) | (right.type & ISPROBABLE) | kind_bit(left.tag);
-}
-
-/// Runs the verb on two numbers in place; false if the operands are anything else.
-template <class Op>
-bool scalar_road(const Op& op, Space** top, signed char mode) {
-    Space& right = **top;
-    Space& left = (*top)[-1];
-    if (!(left.type & right.type & ISINPLACE) || ((left.type | right.type) & Op::rules.refused))
-        return false;
-    const bool left_real = left.tag == tag::real;
-    const bool right_real = right.tag == tag::real;
-    if (left.tag < tag::integer || right.tag < tag::integer)
-        return false;
-    op_flops = mode < 0 ? 0.0 : 1.0;
-    if (left_real && right_real)
-        scalar_pair<double, double>(op, left, right);
-    else if (left_real)
-        scalar_pair<double, std::int32_t>(op, left, right);
-    else if (right_real)
-        scalar_pair<std::int32_t, double>(op, left, right);
-    else
-        scalar_pair<std::int32_t, std::int32_t>(op, left, right);
-    *top = &left;
-    count_operations(1);
-    return true;
+    put_in_place(left, in_place_of(result), look, right.type & ISPROBABLE);
+    return static_cast<int>(op.flops(l, r, result));
 }
 
 inline bool integers_in_place(const Space* top) {
     return (top->type & top[-1].type & ISINPLACE) && top->tag == tag::integer
            && top[-1].tag == tag::integer;
+}
+inline bool numbers_in_place(const Space* top, std::uint32_t refused) {
+    return (top->type & top[-1].type & ISINPLACE) && !((top->type | top[-1].type) & refused)
+           && top->tag >= tag::integer && top[-1].tag >= tag::integer;
+}
+
+/// The same by the tags of the two on top.
+template <class Op>
+int scalar_flops(const Op& op, Space* top) {
+    Space& left = top[-1];
+    const Space& right = *top;
+    if (left.tag == tag::real)
+        return right.tag == tag::real ? scalar_pair<double, double>(op, left, right)
+                                      : scalar_pair<double, std::int32_t>(op, left, right);
+    return right.tag == tag::real ? scalar_pair<std::int32_t, double>(op, left, right)
+                                  : scalar_pair<std::int32_t, std::int32_t>(op, left, right);
+}
+
+/// Runs the verb on two numbers in place; false if the operands are anything else.
+template <class Op>
+bool scalar_road(const Op& op, Space** top, signed char mode) {
+    if (!numbers_in_place(*top, Op::rules.refused))
+        return false;
+    op_flops = (mode < 0 ? 0.0 : 1.0) + scalar_flops(op, *top);
+    *top -= 1;
+    count_operations(1);
+    return true;
 }
 
 /// The whole of a dyadic verb.
@@ -275,6 +279,27 @@ void dyadic(Space** top, const Space* cell, Space* quads, signed char mode) {
     }
     if (!scalar_road(op, top, mode))
         run_dyadic(table, &op, top, cell, quads, mode);
+}
+
+/// The whole of a dyadic verb on two numbers in place, for an engine in a hurry: see verbs.h.
+template <class Op>
+Space* dyadic_in_place(Space* top, const Space* floor, Space* quads) {
+    if (top <= floor)
+        return nullptr;
+    Op op;
+    int flops = 0;
+    if (integers_in_place(top)) [[likely]] {
+        flops = scalar_pair<std::int32_t, std::int32_t>(op, top[-1], *top);
+    } else if (numbers_in_place(top, Op::rules.refused)) {
+        if constexpr (requires { op.tolerance; })
+            op.tolerance = comparison_tolerance(quads);
+        flops = scalar_flops(op, top);
+    } else {
+        return nullptr;
+    }
+    total_flops += 1 + flops;
+    operations += 1;
+    return top - 1;
 }
 
 } // namespace tessor

@@ -107,15 +107,12 @@ constexpr MonadicVerb monadic_verb(VerbFunction verb) {
 }
 
 template <class T, class Op>
-[[gnu::always_inline]] inline void scalar_single(const Op& op, Space& space) {
+[[gnu::always_inline]] inline int scalar_single(const Op& op, Space& space) {
     const T x = value_in_place(space, T{});
     const auto result = op.apply(x);
     const Look look = Op::look(x, Look{space.form, space.marks});
-    op_flops += static_cast<double>(op.flops(x, result));
-    put_in_place(space, result);
-    space.form = look.form;
-    space.marks = look.marks;
-    space.type = (space.type & ~0x407f40u) | kind_bit(space.tag);
+    put_in_place(space, in_place_of(result), look, 0);
+    return static_cast<int>(op.flops(x, result));
 }
 
 /// The whole of a monadic verb.
@@ -128,10 +125,8 @@ void monadic(Space** top, const Space* cell, Space* quads, signed char mode) {
     Space& operand = **top;
     if (!(operand.type & ISINPLACE) || operand.tag < tag::integer)
         return run_monadic(table, &op, top, cell, quads, mode);
-    if (operand.tag == tag::real)
-        scalar_single<double>(op, operand);
-    else
-        scalar_single<std::int32_t>(op, operand);
+    op_flops += operand.tag == tag::real ? scalar_single<double>(op, operand)
+                                         : scalar_single<std::int32_t>(op, operand);
     count_operations(1);
 }
 

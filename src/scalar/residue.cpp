@@ -67,4 +67,8 @@ void residue(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Residue, residue>(top, cell, quads, mode);
 }
 
+Space* residue_in_place(Space* top, const Space* floor, Space* quads) {
+    return dyadic_in_place<Residue>(top, floor, quads);
+}
+
 } // namespace tessor

@@ -12,6 +12,7 @@
 #include "engine/machine.h"
 #include "engine/memo.h"
 #include "engine/names.h"
+#include "engine/short_road.h"
 #include "engine/stack.h"
 #include "engine/streams.h"
 #include "engine/terminal.h"
@@ -28,15 +29,16 @@ namespace {
 struct BodyRow {
     op::Instruction instruction;
     Body body;
+    Quick quick = nullptr;
 };
 
 constexpr BodyRow body_rows[] = {
     // stack
     {op::CLEAR, clear},
-    {op::DISCARD, discard},
-    {op::RIGHT, right},
-    {op::SWAP, swap},
-    {op::DUPLICATE, duplicate},
+    {op::DISCARD, discard, discard_in_place},
+    {op::RIGHT, right, right_in_place},
+    {op::SWAP, swap, swap_in_place},
+    {op::DUPLICATE, duplicate, duplicate_in_place},
     {op::MARK, push_mark},
     {op::COUNTSTACK, countstack},
     {op::COUNTTOMARK, counttomark},
@@ -100,36 +102,36 @@ constexpr BodyRow body_rows[] = {
 struct VerbRow {
     op::Instruction instruction;
     Verb verb;
+    Quick quick = nullptr; ///< for plain numbers in place
 };
 
 constexpr VerbRow verb_rows[] = {
     {op::CONJUGATE, conjugate},
     {op::NEGATIVE, negative},
-    {op::ADD, add},
-    {op::SUBTRACT, subtract},
-    {op::MULTIPLY, multiply},
-    {op::DIVIDE, divide},
-    {op::RESIDUE, residue},
-    {op::MINIMUM, minimum},
-    {op::MAXIMUM, maximum},
-    {op::IDENTICAL, identical},
-    {op::NOTIDENTICAL, notidentical},
-    {op::LESS, less},
-    {op::NOTGREATER, notgreater},
-    {op::EQUIVALENT, equivalent},
-    {op::NOTLESS, notless},
-    {op::GREATER, greater},
-    {op::NOTEQUIVALENT, notequivalent},
+    {op::ADD, add, add_in_place},
+    {op::SUBTRACT, subtract, subtract_in_place},
+    {op::MULTIPLY, multiply, multiply_in_place},
+    {op::DIVIDE, divide, divide_in_place},
+    {op::RESIDUE, residue, residue_in_place},
+    {op::MINIMUM, minimum, minimum_in_place},
+    {op::MAXIMUM, maximum, maximum_in_place},
+    {op::IDENTICAL, identical, identical_in_place},
+    {op::NOTIDENTICAL, notidentical, notidentical_in_place},
+    {op::LESS, less, less_in_place},
+    {op::NOTGREATER, notgreater, notgreater_in_place},
+    {op::EQUIVALENT, equivalent, equivalent_in_place},
+    {op::NOTLESS, notless, notless_in_place},
+    {op::GREATER, greater, greater_in_place},
+    {op::NOTEQUIVALENT, notequivalent, notequivalent_in_place},
 };
 
 } // namespace
 
 void fill_dispatch() {
     for (const BodyRow& row : body_rows)
-        bodies[row.instruction].body = row.body;
+        bodies[row.instruction] = {row.body, nullptr, row.quick};
     for (const VerbRow& row : verb_rows) {
-        bodies[row.instruction].verb = row.verb;
-        bodies[row.instruction].dyadic = instruction_table[row.instruction].instruction_class == 18;
+        bodies[row.instruction] = {nullptr, row.verb, row.quick};
     }
 }
 

@@ -265,14 +265,6 @@ void widen(Space& space) {
     space.data_pointer = wide;
 }
 
-void make_integer(Space& space, std::int32_t value, std::uint16_t form, std::uint16_t marks) {
-    set_in_place(space, integer_element(value, form, marks));
-}
-
-void make_real(Space& space, double value, std::uint16_t form, std::uint16_t marks) {
-    set_in_place(space, real_element(value, form, marks));
-}
-
 void make_character(Space& space, std::uint8_t value, std::uint16_t form, std::uint16_t marks) {
     set_in_place(space, character_element(value, form, marks));
 }

@@ -72,10 +72,24 @@ void widen(Space& space);
 
 // Whole values. Each sets every field; the old contents of the record are void.
 
-void make_integer(Space& space, std::int32_t value, std::uint16_t form = form::number,
-                  std::uint16_t marks = 0);
-void make_real(Space& space, double value, std::uint16_t form = form::number,
-               std::uint16_t marks = 0);
+/// A scalar in place; `value` is the last word of the record.
+inline void make_in_place(Space& space, std::int32_t tag, std::uint16_t form, std::uint16_t marks,
+                          std::uint64_t value) {
+    put_word(space, 0, word_of(0, ISSCALAR | ISINPLACE | kind_bit(tag)));
+    put_word(space, 1, 0);
+    put_word(space, 2, word_of(0, 1));
+    put_word(space, 3, look_word(form, marks, tag));
+    put_word(space, 4, value);
+}
+inline void make_integer(Space& space, std::int32_t value, std::uint16_t form = form::number,
+                         std::uint16_t marks = 0) {
+    make_in_place(space, tag::integer, form, marks,
+                  word_of(static_cast<std::uint32_t>(value), 0));
+}
+inline void make_real(Space& space, double value, std::uint16_t form = form::number,
+                      std::uint16_t marks = 0) {
+    make_in_place(space, tag::real, form, marks, std::bit_cast<std::uint64_t>(value));
+}
 void make_character(Space& space, std::uint8_t value, std::uint16_t form = form::text,
                     std::uint16_t marks = 0);
 /// A scalar of any element, taken over. In place if it can be.

@@ -7,8 +7,10 @@
 // in the Space itself (ISINPLACE).
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace tessor {
 
@@ -196,6 +198,40 @@ static_assert(offsetof(Space, type) == 4 && offsetof(Space, shape_pointer) == 8
 static_assert(offsetof(DataElement, form) == 4 && offsetof(DataElement, marks) == 6
               && offsetof(DataElement, name) == 8 && offsetof(DataElement, real) == 16
               && offsetof(DataElement, quaternion) == 8 && offsetof(DataElement, stream) == 16);
+
+// Scalars in place are made and copied by whole 8-byte words. A wider load would have to wait until
+// what was just stored in parts has reached memory, which costs more than a scalar verb.
+
+/// Two 32-bit fields that follow each other, as one word.
+constexpr std::uint64_t word_of(std::uint32_t first, std::uint32_t second) {
+    if constexpr (std::endian::native == std::endian::little)
+        return first | std::uint64_t{second} << 32;
+    else
+        return second | std::uint64_t{first} << 32;
+}
+
+/// form, marks and tag of a scalar in place, as one word.
+constexpr std::uint64_t look_word(std::uint16_t form, std::uint16_t marks, std::int32_t tag) {
+    const std::uint32_t first = std::endian::native == std::endian::little
+                                    ? form | std::uint32_t{marks} << 16
+                                    : marks | std::uint32_t{form} << 16;
+    return word_of(first, static_cast<std::uint32_t>(tag));
+}
+
+/// Stores word i of a record.
+inline void put_word(Space& space, int i, std::uint64_t word) {
+    std::memcpy(reinterpret_cast<char*>(&space) + 8 * i, &word, 8);
+}
+
+/// Copies a record; counts are the caller's affair.
+inline void copy_words(Space& to, const Space& from) {
+    for (int i = 0; i < 5; ++i) {
+        std::uint64_t word;
+        std::memcpy(&word, reinterpret_cast<const char*>(&from) + 8 * i, 8);
+        asm("" : "+r"(word)); // keeps the words apart
+        put_word(to, i, word);
+    }
+}
 
 /// The type word as the language knows it, without what only tells where the value is stored.
 constexpr std::uint32_t type_of(const Space& space) {

@@ -1,0 +1,49 @@
+// The short road: stretches of cells that work on plain scalars alone.
+//
+// Most cells of most programs push, combine, compare, store or drop a number in place. They can't
+// fail, touch no count, and nobody looks at the stack between them, since traces and timings are
+// attentions; so they run with the top in a register. Any other cell is the long road's.
+#pragma once
+
+#include "engine/machine.h"
+
+#include <cstddef>
+
+namespace tessor {
+
+/// Counts the cells that one activation runs, for the statistics of the sentence. They are added
+/// when the count ends, however the activation does.
+class CellCount {
+public:
+    explicit CellCount(const Activation& run) : run_(run), from_(run.cell) {}
+    CellCount(const CellCount&) = delete;
+    CellCount& operator=(const CellCount&) = delete;
+    ~CellCount() { operators += static_cast<double>(before_ + (run_.cell - from_) + 1); }
+
+    /// The run goes on at a target after this cell.
+    void jump(const Space* cell, const Space* target) {
+        before_ += cell - from_ + 1;
+        from_ = target;
+    }
+    /// The current cell is run once more, opened up.
+    void again() { ++before_; }
+    /// The current cell is an end mark, which isn't run.
+    void end() { --before_; }
+
+private:
+    const Activation& run_;
+    const Space* from_; ///< first cell since the last jump
+    std::ptrdiff_t before_ = 0;
+};
+
+/// Runs cells from the current one on, up to the first that isn't plain; that is the current cell
+/// then. True: the list has returned, at this cell. Nothing may ask for attention.
+bool short_road(Activation& run, CellCount& count);
+
+// Instructions on plain scalars, for the table of bodies.
+Space* discard_in_place(Space* top, const Space* floor, Space* quads);
+Space* right_in_place(Space* top, const Space* floor, Space* quads);
+Space* swap_in_place(Space* top, const Space* floor, Space* quads);
+Space* duplicate_in_place(Space* top, const Space* floor, Space* quads);
+
+} // namespace tessor

@@ -81,16 +81,12 @@ private:
 
 } // namespace
 
-// What was entered stays in the caller's chain after the call.
-void enter_table(Activation& run, const Space& function) {
-    const MeaningTable* link = function.body[function.elements - 1].table;
-    if (!link || !link->hash)
+void enter_own_table(Activation& run, HashTable* hash) {
+    if (run.table->hash == hash && run.table->count < 0)
         return;
-    if (run.table->hash == link->hash && run.table->count < 0)
-        return;
-    if (run.table->hash != link->hash && on_chain(run, link->hash))
-        take_off_chain(run, link->hash);
-    put_on_chain(run.table, link->hash);
+    if (run.table->hash != hash && on_chain(run, hash))
+        take_off_chain(run, hash);
+    put_on_chain(run.table, hash);
 }
 
 Next run_function(Activation& run, const Space& function, long n, bool* stopped) {

@@ -16,8 +16,14 @@ inline bool runs_by_name(const Space& value) {
 /// The same as pushing such a function and calling it. There must be room for the push.
 Next call_named(Activation& run, const Space& function);
 
-/// Lets the function's own table join the chain of the activation that calls it.
-void enter_table(Activation& run, const Space& function);
+/// Lets a function's own table join the chain of the activation that calls it. What was entered
+/// stays there after the call.
+void enter_own_table(Activation& run, HashTable* hash);
+inline void enter_table(Activation& run, const Space& function) {
+    const MeaningTable* link = function.body[function.elements - 1].table;
+    if (link && link->hash)
+        enter_own_table(run, link->hash);
+}
 
 /// Runs a function that is held off the stack on the top n values; n below 0: in the caller's own
 /// frame. `stopped` tells whether its activation ended early. 806 as in call.

@@ -25,6 +25,7 @@ Space stack[stack_cells];
 Space* sp = stack;
 Space* stacktop = stack + 16583;
 Bodies bodies[instruction_count];
+Quick quick_verbs[instruction_count];
 Activation* current = nullptr;
 
 namespace {
@@ -256,7 +257,7 @@ void attend_to(Activation& run) {
 }
 
 // The cycle. True: the list ended normally.
-bool cycle(Activation& run) {
+[[gnu::always_inline]] inline bool cycle(Activation& run) {
     CellCount count(run);
     for (;;) {
         if (attention.load(std::memory_order_relaxed) == 0) [[likely]] {
@@ -342,15 +343,6 @@ void leave_out_of_storage(Activation& run) {
     leave_after_throw(run);
 }
 
-// A jump goes past this activation. Its locals go, and the values above them stand where its
-// operands stood.
-void abandon(Activation& run) {
-    if (abandoned_top)
-        run.top = abandoned_top;
-    close_locals(run);
-    abandoned_top = run.top;
-}
-
 void run_to_end(Activation& run) {
     const bool ended = cycle(run);
     run.cell_top = run.top;
@@ -395,28 +387,11 @@ Space* free_buffers = nullptr;
 
 } // namespace
 
-Activation::Activation(Space* first_cell, MeaningTable* link, Space* base_cell, Space* floor_cell,
-                       Space* top_cell, Space* quads_block, int run_depth)
-    : first(first_cell),
-      cell(first_cell),
-      now(first_cell),
-      base(base_cell),
-      floor(floor_cell),
-      top(top_cell),
-      cell_top(top_cell),
-      table(hold(link)),
-      entry(link),
-      quads(quads_block),
-      outer(current),
-      depth(run_depth) {
-    current = this;
-}
-
-Activation::~Activation() {
-    if (!left)
-        abandon(*this);
-    current = outer;
-    drop(table);
+void abandon(Activation& run) noexcept {
+    if (abandoned_top)
+        run.top = abandoned_top;
+    close_locals(run);
+    abandoned_top = run.top;
 }
 
 Space* run_nested(Activation& run) {
@@ -448,13 +423,6 @@ Space* machine(Space* first, MeaningTable* table, Space* base, Space* floor, Spa
 }
 
 bool no_room(Activation& run) {
-    failed(run, 806);
-    return false;
-}
-
-bool may_nest(Activation& run) {
-    if (stack_guard(for_report))
-        return true;
     failed(run, 806);
     return false;
 }

@@ -7,8 +7,11 @@
 
 #include "frontend/symtab.h"
 #include "values/instructions.h"
+#include "values/native_stack.h"
 #include "values/refderef.h"
 #include "values/shared.h"
+
+#include <cstddef>
 
 namespace tessor {
 
@@ -50,6 +53,34 @@ struct Activation {
 /// The innermost activation; null between sentences.
 extern Activation* current;
 
+/// What a jump past an activation does to it: its locals go, and the values above them stand where
+/// its operands stood.
+void abandon(Activation& run) noexcept;
+
+inline Activation::Activation(Space* first_cell, MeaningTable* link, Space* base_cell,
+                              Space* floor_cell, Space* top_cell, Space* quads_block, int run_depth)
+    : first(first_cell),
+      cell(first_cell),
+      now(first_cell),
+      base(base_cell),
+      floor(floor_cell),
+      top(top_cell),
+      cell_top(top_cell),
+      table(hold(link)),
+      entry(link),
+      quads(quads_block),
+      outer(current),
+      depth(run_depth) {
+    current = this;
+}
+
+inline Activation::~Activation() {
+    if (!left)
+        abandon(*this);
+    current = outer;
+    drop(table);
+}
+
 /// What the engine does after an instruction's body.
 enum class Next {
     advance, ///< go on with the next cell
@@ -63,15 +94,22 @@ using Body = Next (*)(Activation& run);
 /// A scalar verb: operands on top, the right one above; throws ErrorJump.
 using Verb = void (*)(Space** top, const Space* cell, Space* quads, signed char mode);
 
-/// The short road of an instruction, for operands that are plain scalars in place: returns the new
-/// top, or null if it doesn't apply, with nothing done. It fails nowhere and releases nothing.
-using Quick = Space* (*)(Space* top, const Space* floor, Space* quads);
-
 struct Bodies {
     Body body = nullptr;
     Verb verb = nullptr;
-    Quick quick = nullptr;
 };
+/// A scalar verb on operands that are numbers in place: the result is left in the left one's place;
+/// a monadic verb has no right one. Returns the flops, or -1 if the operands are others, with
+/// nothing done. It can't fail.
+using VerbInPlace = long (*)(Space* left, const Space* right, Space* quads);
+
+struct Quick {
+    VerbInPlace verb = nullptr;
+    std::ptrdiff_t pops = 0; ///< operands less one
+};
+/// Verbs in place by instruction number.
+extern Quick quick_verbs[instruction_count];
+
 /// Bodies by instruction number; an instruction that runs but has neither reports 993.
 extern Bodies bodies[instruction_count];
 
@@ -95,7 +133,9 @@ inline bool room(Activation& run) {
 }
 
 /// Native stack for one more activation; reports 806 and gives false if too little is left.
-bool may_nest(Activation& run);
+inline bool may_nest(Activation& run) {
+    return stack_guard(for_report) || no_room(run);
+}
 
 /// Reports a number with the activation's top and cell; what a body returns then.
 Next failed(Activation& run, int number);

@@ -10,152 +10,221 @@ bool is_plain(const Space& value) {
     return (value.type & ISINPLACE) != 0;
 }
 
-// The value that a cell pushes if it is plain and the cell needs no looking up; else null.
-const Space* pushed_by(const Activation& run, const Space& cell) {
-    const Space* value = nullptr;
-    switch (cell.rank) {
-    case kind::VARIABLE: value = cell.suboperation == op::SGIG ? cell.target : nullptr; break;
-    case kind::LOCAL_VARIABLE: value = local_of(run, cell); break;
-    case kind::LABEL: value = cell.target; break;
-    default: value = cell.rank >= 0 ? &cell : nullptr; break;
+// A stretch under way, kept in registers.
+struct Stretch {
+    Activation& run;
+    CellCount& count;
+    Space* cell;
+    Space* top;
+    Space* const floor;
+};
+
+/// What follows a cell.
+enum class After { next, stop, returned };
+
+// SET or ASSIGN behind the bound address of a plain value or of none: both cells in one.
+[[gnu::always_inline]] inline bool store(Stretch& s) {
+    const Space& cell = *s.cell;
+    const Space& next = s.cell[1];
+    if (cell.suboperation != op::SGIG || (cell.type & CONDITIONAL) || !cell.target
+        || next.rank != kind::OPERATOR
+        || (next.operation != op::SET && next.operation != op::ASSIGN))
+        return false;
+    Space& target = *cell.target;
+    if ((target.type && !is_plain(target)) || s.top < s.floor || !is_plain(*s.top))
+        return false;
+    mark_first(s.run, GLOBALCHANGE);
+    copy_words(target, *s.top);
+    s.top -= next.operation == op::SET ? 1 : 0;
+    ++s.cell;
+    return true;
+}
+
+[[gnu::always_inline]] inline bool apply(Stretch& s, VerbInPlace verb, Space* left,
+                                         const Space* right) {
+    const long flops = verb(left, right, s.run.quads);
+    if (flops < 0)
+        return false;
+    s.count.verb(flops);
+    return true;
+}
+
+[[gnu::always_inline]] inline bool run_verb(Stretch& s, int operation) {
+    const Quick& quick = quick_verbs[operation];
+    if (!quick.verb || s.top - s.floor < quick.pops)
+        return false;
+    Space* const left = s.top - quick.pops;
+    if (!apply(s, quick.verb, left, s.top))
+        return false;
+    s.top = left;
+    return true;
+}
+
+// A value behind which a dyadic verb stands is its right operand, and needn't go on the stack.
+[[gnu::always_inline]] inline bool combine(Stretch& s, const Space* right) {
+    const Space& next = s.cell[1];
+    if (next.rank != kind::OPERATOR || s.top < s.floor)
+        return false;
+    const Quick& quick = quick_verbs[next.operation];
+    if (quick.pops != 1 || !apply(s, quick.verb, s.top, right))
+        return false;
+    ++s.cell;
+    return true;
+}
+
+template <bool combines>
+[[gnu::always_inline]] inline bool push(Stretch& s, const Space* value) {
+    if (!value || !is_plain(*value) || s.top > stacktop)
+        return false;
+    if (combines && combine(s, value))
+        return true;
+    copy_words(*++s.top, *value);
+    return true;
+}
+
+[[gnu::always_inline]] inline bool check(Stretch& s) {
+    if (!is_plain(*s.top) || s.top->tag != tag::integer)
+        return false;
+    s.run.check = s.top->integer > 0 ? 1 : 0;
+    --s.top;
+    return true;
+}
+
+// Only back: whether a target ahead lies within the list takes a look at the cells between.
+[[gnu::always_inline]] inline bool jump_back(Stretch& s) {
+    const Space& number = *s.top;
+    if (!is_plain(number) || number.tag != tag::integer || number.integer < 1
+        || number.integer > s.cell - s.run.first || attention.load(std::memory_order_relaxed) != 0)
+        return false;
+    Space* target = s.run.first + (number.integer - 1);
+    --s.top;
+    s.count.jump(s.cell, target);
+    s.cell = target - 1;
+    return true;
+}
+
+[[gnu::always_inline]] inline bool duplicate(Stretch& s) {
+    return s.top >= s.floor && push<false>(s, s.top);
+}
+
+[[gnu::always_inline]] inline bool two_plain(const Stretch& s) {
+    return s.top > s.floor && is_plain(*s.top) && is_plain(s.top[-1]);
+}
+
+[[gnu::always_inline]] inline bool swap(Stretch& s) {
+    if (!two_plain(s))
+        return false;
+    Space held;
+    copy_words(held, *s.top);
+    copy_words(*s.top, s.top[-1]);
+    copy_words(s.top[-1], held);
+    return true;
+}
+
+[[gnu::always_inline]] inline bool right(Stretch& s) {
+    if (!two_plain(s))
+        return false;
+    copy_words(s.top[-1], *s.top);
+    --s.top;
+    return true;
+}
+
+[[gnu::always_inline]] inline bool discard(Stretch& s) {
+    if (s.top < s.floor || !is_plain(*s.top))
+        return false;
+    --s.top;
+    return true;
+}
+
+[[gnu::always_inline]] inline bool returns(const Stretch& s) {
+    return !s.run.own_locals && s.run.table == s.run.entry;
+}
+
+After run_conditional(Stretch& s);
+
+// `opened`: the instruction stood under a condition.
+template <bool opened>
+[[gnu::always_inline]] inline After run_operator(Stretch& s, int operation) {
+    bool done = false;
+    switch (operation) {
+    case op::DISCARD: done = discard(s); break;
+    case op::RIGHT: done = right(s); break;
+    case op::SWAP: done = swap(s); break;
+    case op::DUPLICATE: done = duplicate(s); break;
+    case op::CHECK: done = s.top >= s.floor && check(s); break;
+    case op::JUMP: done = s.top >= s.floor && jump_back(s); break;
+    case op::RETURN:
+    case op::FUNCTIONEND: return returns(s) ? After::returned : After::stop;
+    case op::IF_YES:
+    case op::IF_NO: return opened ? After::stop : run_conditional(s);
+    default: done = run_verb(s, operation); break;
     }
-    return value && is_plain(*value) ? value : nullptr;
+    return done ? After::next : After::stop;
 }
 
-// SET or ASSIGN behind the bound address of a plain value or of none.
-bool stores_plainly(const Space& cell) {
-    const Space& next = (&cell)[1];
-    return cell.suboperation == op::SGIG && !(cell.type & CONDITIONAL) && cell.target
-           && (is_plain(*cell.target) || cell.target->type == 0) && next.rank == kind::OPERATOR
-           && (next.operation == op::SET || next.operation == op::ASSIGN);
+[[gnu::always_inline]] inline After run_conditional(Stretch& s) {
+    const int governed = static_cast<std::int16_t>(s.cell->suboperation);
+    if (s.run.check < 0 || governed == kind::FUNCTION)
+        return After::stop;
+    if ((s.run.check == 1) != (s.cell->operation == op::IF_YES))
+        return After::next;
+    const After after = run_operator<true>(s, governed);
+    if (after != After::stop)
+        s.count.again();
+    return after;
 }
 
-// The instruction of a cell, with a condition that holds opened up; `skipped` if it doesn't hold,
-// `undecided` if the long road must look.
-constexpr int skipped = -1;
-constexpr int undecided = -2;
-
-int opened(const Activation& run, const Space& cell) {
-    if (run.check < 0 || static_cast<std::int16_t>(cell.suboperation) == kind::FUNCTION)
-        return undecided;
-    if ((run.check == 1) != (cell.operation == op::IF_YES))
-        return skipped;
-    return static_cast<std::int16_t>(cell.suboperation);
+// A literal or a name; a name that must be looked up isn't plain.
+[[gnu::always_inline]] inline bool push_cell(Stretch& s) {
+    const Space& cell = *s.cell;
+    if (cell.type & CONDITIONAL) {
+        if (s.run.check < 0)
+            return false;
+        if ((s.run.check == 1) != ((cell.type & YES) != 0))
+            return true;
+    }
+    bool done = false;
+    switch (cell.rank) {
+    case kind::VARIABLE: done = cell.suboperation == op::SGIG && push<true>(s, cell.target); break;
+    case kind::LOCAL_VARIABLE: done = push<true>(s, local_of(s.run, cell)); break;
+    case kind::LABEL: done = push<false>(s, cell.target); break;
+    default: done = cell.rank >= 0 && push<false>(s, &cell); break;
+    }
+    if (done && (s.top->type & CONDITIONAL))
+        s.top->type &= ~(CONDITIONAL | YES);
+    return done;
 }
 
-// Where JUMP goes from a cell, if that is back.
-Space* target_behind(const Activation& run, const Space* cell, const Space& number) {
-    if (!is_plain(number) || number.tag != tag::integer || number.integer < 1)
-        return nullptr;
-    return number.integer <= cell - run.first ? run.first + (number.integer - 1) : nullptr;
-}
-
-bool attention_asked() {
-    return attention.load(std::memory_order_relaxed) != 0;
+[[gnu::always_inline]] inline After run_cell(Stretch& s) {
+    const Space& cell = *s.cell;
+    if (cell.rank >= 0) {
+        if ((cell.type & (CONDITIONAL | ISINPLACE)) != ISINPLACE)
+            return cell.type && push_cell(s) ? After::next : After::stop;
+        if (s.top > stacktop)
+            return After::stop;
+        if (!combine(s, &cell))
+            *++s.top = cell; // nobody has just written it
+        return After::next;
+    }
+    if (cell.rank == kind::OPERATOR)
+        return run_operator<false>(s, cell.operation);
+    if (cell.rank == kind::ADDRESS)
+        return store(s) ? After::next : After::stop;
+    return push_cell(s) ? After::next : After::stop;
 }
 
 } // namespace
 
 bool short_road(Activation& run, CellCount& count) {
-    Space* cell = run.cell;
-    Space* top = run.top;
-    Space* const floor = run.floor;
-    bool returned = false;
-    for (;; ++cell) {
-        if (cell->rank == kind::OPERATOR) {
-            int operation = cell->operation;
-            if (operation == op::IF_YES || operation == op::IF_NO) {
-                operation = opened(run, *cell);
-                if (operation == skipped)
-                    continue;
-                if (operation == undecided)
-                    break;
-            }
-            if (const Quick quick = bodies[operation].quick) {
-                Space* after = quick(top, floor, run.quads);
-                if (!after)
-                    break;
-                top = after;
-            } else if (operation == op::CHECK) {
-                if (top < floor || !is_plain(*top) || top->tag != tag::integer)
-                    break;
-                run.check = top->integer > 0 ? 1 : 0;
-                --top;
-            } else if (operation == op::JUMP) {
-                Space* target = top < floor ? nullptr : target_behind(run, cell, *top);
-                if (!target || attention_asked())
-                    break;
-                --top;
-                count.jump(cell, target);
-                if (operation != cell->operation)
-                    count.again();
-                cell = target - 1;
-                continue;
-            } else if (operation == op::RETURN || operation == op::FUNCTIONEND) {
-                if (run.own_locals || run.table != run.entry)
-                    break;
-                returned = true;
-            } else {
-                break;
-            }
-            if (operation != cell->operation)
-                count.again();
-            if (returned)
-                break;
-        } else if (cell->rank == kind::ADDRESS) {
-            if (!stores_plainly(*cell) || top < floor || !is_plain(*top))
-                break;
-            mark_first(run, GLOBALCHANGE);
-            copy_words(*cell->target, *top);
-            ++cell;
-            if (cell->operation == op::SET)
-                --top;
-        } else {
-            const Space* value = pushed_by(run, *cell);
-            if (!value || top > stacktop)
-                break;
-            if (cell->type & CONDITIONAL) {
-                if (run.check < 0)
-                    break;
-                if (run.check == ((cell->type & YES) ? 0 : 1))
-                    continue;
-            }
-            copy_words(*++top, *value);
-            if (top->type & (CONDITIONAL | YES))
-                top->type &= ~(CONDITIONAL | YES);
-        }
+    Stretch s{run, count, run.cell, run.top, run.floor};
+    After after = run_cell(s);
+    while (after == After::next) {
+        ++s.cell;
+        after = run_cell(s);
     }
-    run.cell = run.now = cell;
-    run.cell_top = run.top = top;
-    return returned;
-}
-
-Space* discard_in_place(Space* top, const Space* floor, Space*) {
-    return top >= floor && is_plain(*top) ? top - 1 : nullptr;
-}
-
-Space* right_in_place(Space* top, const Space* floor, Space*) {
-    if (top <= floor || !is_plain(*top) || !is_plain(top[-1]))
-        return nullptr;
-    copy_words(top[-1], *top);
-    return top - 1;
-}
-
-Space* swap_in_place(Space* top, const Space* floor, Space*) {
-    if (top <= floor || !is_plain(*top) || !is_plain(top[-1]))
-        return nullptr;
-    Space held;
-    copy_words(held, *top);
-    copy_words(*top, top[-1]);
-    copy_words(top[-1], held);
-    return top;
-}
-
-Space* duplicate_in_place(Space* top, const Space* floor, Space*) {
-    if (top < floor || top > stacktop || !is_plain(*top))
-        return nullptr;
-    copy_words(top[1], *top);
-    return top + 1;
+    run.cell = run.now = s.cell;
+    run.cell_top = run.top = s.top;
+    return after == After::returned;
 }
 
 } // namespace tessor

@@ -11,14 +11,26 @@
 
 namespace tessor {
 
-/// Counts the cells that one activation runs, for the statistics of the sentence. They are added
-/// when the count ends, however the activation does.
+/// Counts the cells that one activation runs, and the verbs of the short road, for the statistics
+/// of the sentence. They are added when the count ends, however the activation does.
 class CellCount {
 public:
     explicit CellCount(const Activation& run) : run_(run), from_(run.cell) {}
     CellCount(const CellCount&) = delete;
     CellCount& operator=(const CellCount&) = delete;
-    ~CellCount() { operators += static_cast<double>(before_ + (run_.cell - from_) + 1); }
+    ~CellCount() {
+        operators += static_cast<double>(before_ + (run_.cell - from_) + 1);
+        if (verbs_) {
+            operations += static_cast<double>(verbs_);
+            total_flops += static_cast<double>(flops_);
+        }
+    }
+
+    /// A verb on scalars.
+    void verb(long flops) {
+        ++verbs_;
+        flops_ += flops;
+    }
 
     /// The run goes on at a target after this cell.
     void jump(const Space* cell, const Space* target) {
@@ -34,16 +46,12 @@ private:
     const Activation& run_;
     const Space* from_; ///< first cell since the last jump
     std::ptrdiff_t before_ = 0;
+    long verbs_ = 0;
+    long flops_ = 0;
 };
 
 /// Runs cells from the current one on, up to the first that isn't plain; that is the current cell
 /// then. True: the list has returned, at this cell. Nothing may ask for attention.
 bool short_road(Activation& run, CellCount& count);
-
-// Instructions on plain scalars, for the table of bodies.
-Space* discard_in_place(Space* top, const Space* floor, Space* quads);
-Space* right_in_place(Space* top, const Space* floor, Space* quads);
-Space* swap_in_place(Space* top, const Space* floor, Space* quads);
-Space* duplicate_in_place(Space* top, const Space* floor, Space* quads);
 
 } // namespace tessor

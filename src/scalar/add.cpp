@@ -51,8 +51,8 @@ void add(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Add, add>(top, cell, quads, mode);
 }
 
-Space* add_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Add>(top, floor, quads);
+long add_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Add>(left, right, quads);
 }
 
 } // namespace tessor

@@ -37,8 +37,8 @@ void divide(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Divide, divide>(top, cell, quads, mode);
 }
 
-Space* divide_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Divide>(top, floor, quads);
+long divide_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Divide>(left, right, quads);
 }
 
 } // namespace tessor

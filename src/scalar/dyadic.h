@@ -217,6 +217,9 @@ inline void put_in_place(Space& space, const InPlace& result, Look look, std::ui
     put_word(space, 4, result.value);
 }
 
+template <RealLike T>
+inline constexpr std::int32_t value_tag = std::same_as<T, double> ? tag::real : tag::integer;
+
 inline std::int32_t value_in_place(const Space& space, std::int32_t) {
     return space.integer;
 }
@@ -236,20 +239,18 @@ template <class L, class R, class Op>
     return static_cast<int>(op.flops(l, r, result));
 }
 
-inline bool integers_in_place(const Space* top) {
-    return (top->type & top[-1].type & ISINPLACE) && top->tag == tag::integer
-           && top[-1].tag == tag::integer;
+inline bool integers_in_place(const Space& left, const Space& right) {
+    return (left.type & right.type & ISINPLACE) && left.tag == tag::integer
+           && right.tag == tag::integer;
 }
-inline bool numbers_in_place(const Space* top, std::uint32_t refused) {
-    return (top->type & top[-1].type & ISINPLACE) && !((top->type | top[-1].type) & refused)
-           && top->tag >= tag::integer && top[-1].tag >= tag::integer;
+inline bool numbers_in_place(const Space& left, const Space& right, std::uint32_t refused) {
+    return (left.type & right.type & ISINPLACE) && !((left.type | right.type) & refused)
+           && left.tag >= tag::integer && right.tag >= tag::integer;
 }
 
-/// The same by the tags of the two on top.
+/// The same by the tags of the operands.
 template <class Op>
-int scalar_flops(const Op& op, Space* top) {
-    Space& left = top[-1];
-    const Space& right = *top;
+int scalar_flops(const Op& op, Space& left, const Space& right) {
     if (left.tag == tag::real)
         return right.tag == tag::real ? scalar_pair<double, double>(op, left, right)
                                       : scalar_pair<double, std::int32_t>(op, left, right);
@@ -260,10 +261,11 @@ int scalar_flops(const Op& op, Space* top) {
 /// Runs the verb on two numbers in place; false if the operands are anything else.
 template <class Op>
 bool scalar_road(const Op& op, Space** top, signed char mode) {
-    if (!numbers_in_place(*top, Op::rules.refused))
+    Space* left = *top - 1;
+    if (!numbers_in_place(*left, **top, Op::rules.refused))
         return false;
-    op_flops = (mode < 0 ? 0.0 : 1.0) + scalar_flops(op, *top);
-    *top -= 1;
+    op_flops = (mode < 0 ? 0.0 : 1.0) + scalar_flops(op, *left, **top);
+    *top = left;
     count_operations(1);
     return true;
 }
@@ -274,32 +276,49 @@ void dyadic(Space** top, const Space* cell, Space* quads, signed char mode) {
     static constexpr DyadicVerb table = dyadic_verb<Op>(verb);
     Op op;
     if constexpr (requires { op.tolerance; }) {
-        if (!integers_in_place(*top)) // which are compared exactly
+        if (!integers_in_place((*top)[-1], **top)) // which are compared exactly
             op.tolerance = comparison_tolerance(quads);
     }
     if (!scalar_road(op, top, mode))
         run_dyadic(table, &op, top, cell, quads, mode);
 }
 
-/// The whole of a dyadic verb on two numbers in place, for an engine in a hurry: see verbs.h.
+/// Both are plain numbers with this tag.
+inline bool plain_pair(const Space& left, const Space& right, std::int32_t tag) {
+    return get_word(left, 0) == plain_word(tag) && get_word(right, 0) == plain_word(tag);
+}
+
+/// scalar_pair for two plain numbers of one type: the left one's type mostly is the result's.
+template <class T, class Op>
+[[gnu::always_inline]] inline int plain_flops(const Op& op, Space& left, const Space& right) {
+    const T l = value_in_place(left, T{});
+    const T r = value_in_place(right, T{});
+    const auto result = op.apply(l, r);
+    const Looks looks{{left.form, left.marks}, {right.form, right.marks}, false};
+    const Look look = Pair<Op, T, T>::look_of(looks);
+    const InPlace made = in_place_of(result);
+    if (made.tag != value_tag<T>)
+        put_word(left, 0, plain_word(made.tag));
+    put_word(left, 3, look_word(look.form, look.marks, made.tag));
+    put_word(left, 4, made.value);
+    return static_cast<int>(op.flops(l, r, result));
+}
+
+/// The whole of a dyadic verb on two numbers in place; see verbs.h.
 template <class Op>
-Space* dyadic_in_place(Space* top, const Space* floor, Space* quads) {
-    if (top <= floor)
-        return nullptr;
+long dyadic_in_place(Space* left, const Space* right, Space* quads) {
     Op op;
-    int flops = 0;
-    if (integers_in_place(top)) [[likely]] {
-        flops = scalar_pair<std::int32_t, std::int32_t>(op, top[-1], *top);
-    } else if (numbers_in_place(top, Op::rules.refused)) {
-        if constexpr (requires { op.tolerance; })
+    if (plain_pair(*left, *right, tag::integer)) [[likely]]
+        return 1 + plain_flops<std::int32_t>(op, *left, *right);
+    if (!numbers_in_place(*left, *right, Op::rules.refused))
+        return -1;
+    if constexpr (requires { op.tolerance; }) {
+        if (!integers_in_place(*left, *right))
             op.tolerance = comparison_tolerance(quads);
-        flops = scalar_flops(op, top);
-    } else {
-        return nullptr;
     }
-    total_flops += 1 + flops;
-    operations += 1;
-    return top - 1;
+    if (plain_pair(*left, *right, tag::real))
+        return 1 + plain_flops<double>(op, *left, *right);
+    return 1 + scalar_flops(op, *left, *right);
 }
 
 } // namespace tessor

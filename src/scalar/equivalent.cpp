@@ -20,8 +20,8 @@ void equivalent(Space** top, const Space* cell, Space* quads, signed char mode) 
     dyadic<Equivalence<Equivalent>, equivalent>(top, cell, quads, mode);
 }
 
-Space* equivalent_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Equivalence<Equivalent>>(top, floor, quads);
+long equivalent_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Equivalence<Equivalent>>(left, right, quads);
 }
 
 } // namespace tessor

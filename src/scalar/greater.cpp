@@ -21,8 +21,8 @@ void greater(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Ordering<Greater>, greater>(top, cell, quads, mode);
 }
 
-Space* greater_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Ordering<Greater>>(top, floor, quads);
+long greater_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Ordering<Greater>>(left, right, quads);
 }
 
 } // namespace tessor

@@ -7,8 +7,8 @@ void identical(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Identity<true>, identical>(top, cell, quads, mode);
 }
 
-Space* identical_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Identity<true>>(top, floor, quads);
+long identical_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Identity<true>>(left, right, quads);
 }
 
 } // namespace tessor

@@ -21,8 +21,8 @@ void less(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Ordering<Less>, less>(top, cell, quads, mode);
 }
 
-Space* less_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Ordering<Less>>(top, floor, quads);
+long less_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Ordering<Less>>(left, right, quads);
 }
 
 } // namespace tessor

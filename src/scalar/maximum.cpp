@@ -18,8 +18,8 @@ void maximum(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Extreme<Greater>, maximum>(top, cell, quads, mode);
 }
 
-Space* maximum_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Extreme<Greater>>(top, floor, quads);
+long maximum_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Extreme<Greater>>(left, right, quads);
 }
 
 } // namespace tessor

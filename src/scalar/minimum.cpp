@@ -18,8 +18,8 @@ void minimum(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Extreme<Lesser>, minimum>(top, cell, quads, mode);
 }
 
-Space* minimum_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Extreme<Lesser>>(top, floor, quads);
+long minimum_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Extreme<Lesser>>(left, right, quads);
 }
 
 } // namespace tessor

@@ -65,8 +65,8 @@ void multiply(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Multiply, multiply>(top, cell, quads, mode);
 }
 
-Space* multiply_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Multiply>(top, floor, quads);
+long multiply_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Multiply>(left, right, quads);
 }
 
 } // namespace tessor

@@ -20,8 +20,8 @@ void notequivalent(Space** top, const Space* cell, Space* quads, signed char mod
     dyadic<Equivalence<NotEquivalent>, notequivalent>(top, cell, quads, mode);
 }
 
-Space* notequivalent_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Equivalence<NotEquivalent>>(top, floor, quads);
+long notequivalent_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Equivalence<NotEquivalent>>(left, right, quads);
 }
 
 } // namespace tessor

@@ -22,8 +22,8 @@ void notgreater(Space** top, const Space* cell, Space* quads, signed char mode) 
     dyadic<Ordering<NotGreater>, notgreater>(top, cell, quads, mode);
 }
 
-Space* notgreater_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Ordering<NotGreater>>(top, floor, quads);
+long notgreater_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Ordering<NotGreater>>(left, right, quads);
 }
 
 } // namespace tessor

@@ -7,8 +7,8 @@ void notidentical(Space** top, const Space* cell, Space* quads, signed char mode
     dyadic<Identity<false>, notidentical>(top, cell, quads, mode);
 }
 
-Space* notidentical_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Identity<false>>(top, floor, quads);
+long notidentical_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Identity<false>>(left, right, quads);
 }
 
 } // namespace tessor

@@ -21,8 +21,8 @@ void notless(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Ordering<NotLess>, notless>(top, cell, quads, mode);
 }
 
-Space* notless_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Ordering<NotLess>>(top, floor, quads);
+long notless_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Ordering<NotLess>>(left, right, quads);
 }
 
 } // namespace tessor

@@ -67,8 +67,8 @@ void residue(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Residue, residue>(top, cell, quads, mode);
 }
 
-Space* residue_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Residue>(top, floor, quads);
+long residue_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Residue>(left, right, quads);
 }
 
 } // namespace tessor

@@ -41,8 +41,8 @@ void subtract(Space** top, const Space* cell, Space* quads, signed char mode) {
     dyadic<Subtract, subtract>(top, cell, quads, mode);
 }
 
-Space* subtract_in_place(Space* top, const Space* floor, Space* quads) {
-    return dyadic_in_place<Subtract>(top, floor, quads);
+long subtract_in_place(Space* left, const Space* right, Space* quads) {
+    return dyadic_in_place<Subtract>(left, right, quads);
 }
 
 } // namespace tessor

@@ -33,22 +33,23 @@ void notless(Space** top, const Space* cell, Space* quads, signed char mode);
 void greater(Space** top, const Space* cell, Space* quads, signed char mode);
 void notequivalent(Space** top, const Space* cell, Space* quads, signed char mode);
 
-// Short roads for two integers or reals in place: the result is left in the left one's cell. They
-// return the new top, or null if the operands are others or fewer, with nothing done.
-Space* add_in_place(Space* top, const Space* floor, Space* quads);
-Space* subtract_in_place(Space* top, const Space* floor, Space* quads);
-Space* multiply_in_place(Space* top, const Space* floor, Space* quads);
-Space* divide_in_place(Space* top, const Space* floor, Space* quads);
-Space* residue_in_place(Space* top, const Space* floor, Space* quads);
-Space* minimum_in_place(Space* top, const Space* floor, Space* quads);
-Space* maximum_in_place(Space* top, const Space* floor, Space* quads);
-Space* identical_in_place(Space* top, const Space* floor, Space* quads);
-Space* notidentical_in_place(Space* top, const Space* floor, Space* quads);
-Space* less_in_place(Space* top, const Space* floor, Space* quads);
-Space* notgreater_in_place(Space* top, const Space* floor, Space* quads);
-Space* equivalent_in_place(Space* top, const Space* floor, Space* quads);
-Space* notless_in_place(Space* top, const Space* floor, Space* quads);
-Space* greater_in_place(Space* top, const Space* floor, Space* quads);
-Space* notequivalent_in_place(Space* top, const Space* floor, Space* quads);
+// The same for two integers or reals in place, for an engine in a hurry: the result is left in the
+// left one's place, and nothing is popped or counted. They return the flops, or -1 if the operands
+// are others, with nothing done.
+long add_in_place(Space* left, const Space* right, Space* quads);
+long subtract_in_place(Space* left, const Space* right, Space* quads);
+long multiply_in_place(Space* left, const Space* right, Space* quads);
+long divide_in_place(Space* left, const Space* right, Space* quads);
+long residue_in_place(Space* left, const Space* right, Space* quads);
+long minimum_in_place(Space* left, const Space* right, Space* quads);
+long maximum_in_place(Space* left, const Space* right, Space* quads);
+long identical_in_place(Space* left, const Space* right, Space* quads);
+long notidentical_in_place(Space* left, const Space* right, Space* quads);
+long less_in_place(Space* left, const Space* right, Space* quads);
+long notgreater_in_place(Space* left, const Space* right, Space* quads);
+long equivalent_in_place(Space* left, const Space* right, Space* quads);
+long notless_in_place(Space* left, const Space* right, Space* quads);
+long greater_in_place(Space* left, const Space* right, Space* quads);
+long notequivalent_in_place(Space* left, const Space* right, Space* quads);
 
 } // namespace tessor

@@ -12,7 +12,6 @@
 #include "engine/machine.h"
 #include "engine/memo.h"
 #include "engine/names.h"
-#include "engine/short_road.h"
 #include "engine/stack.h"
 #include "engine/streams.h"
 #include "engine/terminal.h"
@@ -29,16 +28,15 @@ namespace {
 struct BodyRow {
     op::Instruction instruction;
     Body body;
-    Quick quick = nullptr;
 };
 
 constexpr BodyRow body_rows[] = {
     // stack
     {op::CLEAR, clear},
-    {op::DISCARD, discard, discard_in_place},
-    {op::RIGHT, right, right_in_place},
-    {op::SWAP, swap, swap_in_place},
-    {op::DUPLICATE, duplicate, duplicate_in_place},
+    {op::DISCARD, discard},
+    {op::RIGHT, right},
+    {op::SWAP, swap},
+    {op::DUPLICATE, duplicate},
     {op::MARK, push_mark},
     {op::COUNTSTACK, countstack},
     {op::COUNTTOMARK, counttomark},
@@ -102,7 +100,7 @@ constexpr BodyRow body_rows[] = {
 struct VerbRow {
     op::Instruction instruction;
     Verb verb;
-    Quick quick = nullptr; ///< for plain numbers in place
+    VerbInPlace in_place = nullptr;
 };
 
 constexpr VerbRow verb_rows[] = {
@@ -129,9 +127,11 @@ constexpr VerbRow verb_rows[] = {
 
 void fill_dispatch() {
     for (const BodyRow& row : body_rows)
-        bodies[row.instruction] = {row.body, nullptr, row.quick};
+        bodies[row.instruction].body = row.body;
     for (const VerbRow& row : verb_rows) {
-        bodies[row.instruction] = {nullptr, row.verb, row.quick};
+        const bool dyadic = instruction_table[row.instruction].instruction_class == 18;
+        bodies[row.instruction].verb = row.verb;
+        quick_verbs[row.instruction] = {row.in_place, dyadic ? 1 : 0};
     }
 }
 

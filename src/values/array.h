@@ -75,7 +75,7 @@ void widen(Space& space);
 /// A scalar in place; `value` is the last word of the record.
 inline void make_in_place(Space& space, std::int32_t tag, std::uint16_t form, std::uint16_t marks,
                           std::uint64_t value) {
-    put_word(space, 0, word_of(0, ISSCALAR | ISINPLACE | kind_bit(tag)));
+    put_word(space, 0, plain_word(tag));
     put_word(space, 1, 0);
     put_word(space, 2, word_of(0, 1));
     put_word(space, 3, look_word(form, marks, tag));
@@ -83,8 +83,7 @@ inline void make_in_place(Space& space, std::int32_t tag, std::uint16_t form, st
 }
 inline void make_integer(Space& space, std::int32_t value, std::uint16_t form = form::number,
                          std::uint16_t marks = 0) {
-    make_in_place(space, tag::integer, form, marks,
-                  word_of(static_cast<std::uint32_t>(value), 0));
+    make_in_place(space, tag::integer, form, marks, word_of(static_cast<std::uint32_t>(value), 0));
 }
 inline void make_real(Space& space, double value, std::uint16_t form = form::number,
                       std::uint16_t marks = 0) {

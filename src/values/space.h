@@ -218,6 +218,12 @@ constexpr std::uint64_t look_word(std::uint16_t form, std::uint16_t marks, std::
     return word_of(first, static_cast<std::uint32_t>(tag));
 }
 
+/// Word i of a record.
+inline std::uint64_t get_word(const Space& space, int i) {
+    std::uint64_t word;
+    std::memcpy(&word, reinterpret_cast<const char*>(&space) + 8 * i, 8);
+    return word;
+}
 /// Stores word i of a record.
 inline void put_word(Space& space, int i, std::uint64_t word) {
     std::memcpy(reinterpret_cast<char*>(&space) + 8 * i, &word, 8);
@@ -226,8 +232,7 @@ inline void put_word(Space& space, int i, std::uint64_t word) {
 /// Copies a record; counts are the caller's affair.
 inline void copy_words(Space& to, const Space& from) {
     for (int i = 0; i < 5; ++i) {
-        std::uint64_t word;
-        std::memcpy(&word, reinterpret_cast<const char*>(&from) + 8 * i, 8);
+        std::uint64_t word = get_word(from, i);
         asm("" : "+r"(word)); // keeps the words apart
         put_word(to, i, word);
     }
@@ -253,6 +258,11 @@ constexpr std::uint32_t kind_bit(std::int32_t tag) {
     case tag::function: return HASFUNCTION;
     default: return 0;
     }
+}
+
+/// rank and type of a number in place of which there is no more to say.
+constexpr std::uint64_t plain_word(std::int32_t tag) {
+    return word_of(0, ISSCALAR | ISINPLACE | kind_bit(tag));
 }
 
 /// More than one bit of a word.

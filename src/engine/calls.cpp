@@ -1,6 +1,7 @@
 #include "engine/calls.h"
 
 #include "io/writers/exception.h"
+#include "parallel/coprocessor.h"
 #include "values/block.h"
 #include "values/refderef.h"
 
@@ -102,6 +103,7 @@ Next run_function(Activation& run, const Space& function, long n, bool* stopped)
         floor = base + locals;
     }
     if (locals > 0) {
+        wait_for_coprocessors();
         open_locals(base, n, locals);
         run.top += locals;
     }
@@ -130,6 +132,7 @@ Next call_named(Activation& run, const Space& function) {
 void close_locals(Activation& run) noexcept {
     if (!run.own_locals)
         return;
+    settle_coprocessors();
     for (Space* local = run.base; local < run.floor; ++local)
         dereferencepoint(local);
     const long values = run.values();
@@ -139,6 +142,8 @@ void close_locals(Activation& run) noexcept {
 }
 
 Next do_return(Activation& run) {
+    if (run.own_locals)
+        wait_for_coprocessors();
     if (run.table != run.entry)
         run.table = popsymtabs(run.table);
     close_locals(run);

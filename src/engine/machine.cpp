@@ -23,7 +23,7 @@ namespace tessor {
 
 Space stack[stack_cells];
 Space* sp = stack;
-Space* stacktop = stack + 16583;
+constinit thread_local Space* stacktop = stack + 16583;
 Bodies bodies[instruction_count];
 Quick quick_verbs[instruction_count];
 Activation* current = nullptr;
@@ -41,11 +41,6 @@ constexpr auto classes = [] {
 Space* abandoned_top = nullptr;
 
 enum class Prepared { run, skip, failed };
-
-void wait_if_shared(bool waits) {
-    if (waits && processors > 1)
-        wait_for_coprocessors();
-}
 
 bool is_operator(const Space& value) {
     return value.rank == kind::OPERATOR;
@@ -67,12 +62,7 @@ bool drop_empty_operand(Activation& run) {
     return false;
 }
 
-bool large_operands(const Space* top) {
-    const std::uint32_t n = std::max(top->elements, top[-1].elements);
-    return n >= processors && static_cast<std::int32_t>(n) > MIN_PARALLEL;
-}
-
-// Class preparation: the operands that the class demands are there, and nobody writes them.
+// Class preparation: the operands that the class demands are there.
 Prepared prepare(Activation& run, int instruction_class) {
     if (instruction_class > 31)
         return Prepared::run;
@@ -97,9 +87,7 @@ Prepared prepare(Activation& run, int instruction_class) {
         if ((run.top->type | run.top[-1].type) & ISEMPTY)
             return drop_empty_operand(run) ? Prepared::skip : Prepared::run;
         break;
-    case 21:
-    case 23: wait_if_shared(processors > 1 && large_operands(run.top)); break;
-    default: wait_if_shared((instruction_class & 1) != 0 && instruction_class != 3); break;
+    default: break;
     }
     return Prepared::run;
 }
@@ -237,7 +225,31 @@ bool skipped(Activation& run, bool& failure) {
     return run.check == (yes ? 0 : 1);
 }
 
+// Instructions that touch nothing but their operands, or leave the rest to the cells that they run.
+constexpr auto local_instructions = [] {
+    std::array<bool, instruction_count> result{};
+    for (std::size_t i = 0; i < result.size(); ++i)
+        result[i] = classes[i] == 10 || classes[i] == 18;
+    for (const op::Instruction i : {op::IF_YES, op::IF_NO, op::CHECK, op::IF, op::JUMP, op::LOOP,
+                                    op::EXECUTE, op::RETURN, op::FUNCTIONEND, op::NOOP, op::TIME})
+        result[i] = true;
+    return result;
+}();
+
+// Whether a cell may run while workers make a value: it must not see, move, copy or release it.
+// Values are pushed on top of it and names hold others, so only instructions can touch it.
+bool runs_beside_job(const Activation& run, const Space& cell) {
+    if (cell.rank != kind::OPERATOR)
+        return true;
+    const auto operation = static_cast<std::size_t>(cell.operation);
+    const int demanded = std::max(classes[operation] >> 3 & 3, 1);
+    const Space* lowest = run.top - (demanded - 1);
+    return local_instructions[operation] && job_under_way->result < lowest;
+}
+
 Next run_cell(Activation& run, const Space& cell) {
+    if (job_under_way && !runs_beside_job(run, cell)) [[unlikely]]
+        wait_for_coprocessors();
     if (cell.rank == kind::OPERATOR)
         return run_operator(run);
     if (cell.type & CONDITIONAL) {
@@ -252,8 +264,10 @@ Next run_cell(Activation& run, const Space& cell) {
 // Everything that seldom stands before a cell.
 void attend_to(Activation& run) {
     take_signals();
-    if (run.trace || run.step || Trace || Step)
+    if (run.trace || run.step || Trace || Step) {
+        wait_for_coprocessors();
         inspect(run);
+    }
 }
 
 // The cycle. True: the list ended normally.
@@ -323,6 +337,7 @@ void restore_stack(Activation& run, Space* live, bool own) {
 }
 
 void leave_after_jump(Activation& run, Space* live, bool own) {
+    settle_coprocessors();
     restore_stack(run, live, own);
     if (!endprocess && PrintOut) {
         PrintOut = false;
@@ -346,7 +361,7 @@ void leave_out_of_storage(Activation& run) {
 void run_to_end(Activation& run) {
     const bool ended = cycle(run);
     run.cell_top = run.top;
-    wait_if_shared(ended);
+    wait_for_coprocessors();
     if (signal_noted())
         take_signals();
     if (ended)
@@ -428,6 +443,7 @@ bool no_room(Activation& run) {
 }
 
 Next failed(Activation& run, int number) {
+    wait_for_coprocessors();
     exception(number, &run.top, run.now);
     return Next::failed;
 }

@@ -1,10 +1,213 @@
 #include "parallel/coprocessor.h"
 
+#include "io/writers/exception.h"
+#include "values/block.h"
+#include "values/native_stack.h"
+#include "values/shared.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <deque>
+#include <new>
+#include <pthread.h>
+#include <semaphore.h>
+#include <unistd.h>
+#include <utility>
+
 namespace tessor {
 
 std::uint32_t processors = 1;
 std::uint32_t cpus = 1;
 std::uint32_t thrds = 1;
 std::int32_t MIN_PARALLEL = 1001;
+
+constinit thread_local std::uint32_t stream_index = 0;
+std::vector<ThreadRecord> from_coprocessor(1);
+Job* job_under_way = nullptr;
+
+namespace {
+
+// What a worker and the main thread share, beside the job.
+struct Worker {
+    sem_t coprocess;   ///< a job is there
+    sem_t mainprocess; ///< the slice is finished
+    pthread_t thread;
+    std::uint32_t index;
+    HeldReports reports;    ///< of its slice
+    double op_flops = 0;    ///< of its slice
+    double total_flops = 0; ///< since the start
+};
+std::deque<Worker> workers;     // number 0 is stream 1
+Job* to_coprocessors = nullptr; // null ends the workers
+constexpr int out_of_storage = 27;
+constexpr std::size_t operand_cells = 1024;
+
+// A wait that is over soon isn't worth a sleep, if there is a processor to wait on.
+int spins() {
+    static const int count = [] {
+        const long there = sysconf(_SC_NPROCESSORS_ONLN);
+        return there >= static_cast<long>(cpus) ? 4000 : 0;
+    }();
+    return count;
+}
+
+void pause() {
+#if defined(__x86_64__)
+    __builtin_ia32_pause();
+#endif
+}
+
+void take(sem_t& semaphore) {
+    for (int i = spins(); i > 0; --i) {
+        if (sem_trywait(&semaphore) == 0)
+            return;
+        pause();
+    }
+    while (sem_wait(&semaphore) != 0) {
+    }
+}
+
+void run_slice(Worker& worker, Job& job) {
+    op_flops = 0;
+    const double before = total_flops;
+    try {
+        job.run(job, worker.index);
+    } catch (const ErrorJump&) {
+        // What it is about is among the reports.
+    } catch (const OutOfStorage&) {
+        worker.reports.add(out_of_storage);
+    } catch (const std::bad_alloc&) {
+        worker.reports.add(out_of_storage);
+    }
+    worker.op_flops = total_flops - before;
+    worker.total_flops = total_flops;
+}
+
+void vector_coprocessor(Worker& worker) {
+    for (;;) {
+        take(worker.coprocess);
+        Job* job = to_coprocessors;
+        if (job)
+            run_slice(worker, *job);
+        sem_post(&worker.mainprocess);
+        if (!job)
+            return;
+    }
+}
+
+void* vector_coprocessor_thread(void* given) {
+    Worker& worker = *static_cast<Worker*>(given);
+    stream_index = worker.index;
+    held_reports = &worker.reports;
+    measure_native_stack();
+    std::vector<Space> operands(operand_cells);
+    stacktop = operands.data() + operand_cells - 2;
+    vector_coprocessor(worker);
+    return nullptr;
+}
+
+// Signals are the main thread's.
+class NoSignals {
+public:
+    NoSignals() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, &old_);
+    }
+    NoSignals(const NoSignals&) = delete;
+    NoSignals& operator=(const NoSignals&) = delete;
+    ~NoSignals() { pthread_sigmask(SIG_SETMASK, &old_, nullptr); }
+
+private:
+    sigset_t old_;
+};
+
+bool start(Worker& worker) {
+    if (sem_init(&worker.coprocess, 0, 0) != 0 || sem_init(&worker.mainprocess, 0, 0) != 0)
+        return false;
+    return pthread_create(&worker.thread, nullptr, vector_coprocessor_thread, &worker) == 0;
+}
+
+// Waits for every worker of the job. True: one of them has reported.
+bool collect_slices(const Job& job) {
+    bool failed = false;
+    for (std::uint32_t i = job.streams - 1; i > 0; --i) {
+        Worker& worker = workers[i - 1];
+        take(worker.mainprocess);
+        from_coprocessor[i] = {worker.op_flops, worker.total_flops, true};
+        failed |= worker.reports.count != 0;
+    }
+    std::fflush(stdout);
+    return failed;
+}
+
+void print_reports(const Job& job) {
+    for (std::uint32_t i = job.streams - 1; i > 0; --i) {
+        HeldReports& reports = workers[i - 1].reports;
+        const int count = std::exchange(reports.count, 0);
+        for (int k = 0; k < count; ++k)
+            exception(reports.numbers[k], nullptr, &job.cell);
+    }
+}
+
+} // namespace
+
+void start_coprocessors(std::uint32_t streams) {
+    cpus = streams;
+    from_coprocessor.assign(1, {});
+    const NoSignals none;
+    for (std::uint32_t i = 1; i < streams; ++i) {
+        Worker& worker = workers.emplace_back();
+        worker.index = i;
+        if (!start(worker)) {
+            workers.pop_back();
+            break;
+        }
+        from_coprocessor.emplace_back();
+    }
+    processors = cpus = static_cast<std::uint32_t>(workers.size()) + 1;
+}
+
+void stop_coprocessors() {
+    settle_coprocessors();
+    to_coprocessors = nullptr;
+    for (Worker& worker : workers)
+        sem_post(&worker.coprocess);
+    for (Worker& worker : workers) {
+        pthread_join(worker.thread, nullptr);
+        sem_destroy(&worker.coprocess);
+        sem_destroy(&worker.mainprocess);
+    }
+    workers.clear();
+    processors = cpus = 1;
+}
+
+void publish(Job& job) {
+    job.streams = processors;
+    job_under_way = to_coprocessors = &job;
+    counts_shared = true;
+    for (std::uint32_t i = job.streams - 1; i > 0; --i) {
+        from_coprocessor[i].collected = false;
+        sem_post(&workers[i - 1].coprocess);
+    }
+}
+
+void collect_job(bool may_throw) {
+    Job& job = *job_under_way;
+    bool failed = collect_slices(job);
+    job_under_way = nullptr;
+    counts_shared = false;
+    print_reports(job);
+    try {
+        if (job.collect)
+            job.collect(job);
+    } catch (const OutOfStorage&) {
+        exception(out_of_storage, nullptr, nullptr);
+        failed = true;
+    }
+    if (failed && may_throw)
+        throw ErrorJump{-1};
+}
 
 } // namespace tessor

@@ -5,8 +5,8 @@
 
 namespace tessor {
 
-/// The main thread's seed; each worker has its own.
-extern std::int32_t prngs_seed;
+/// The seed of this thread.
+extern constinit thread_local std::int32_t prngs_seed;
 
 /// Steps the seed and returns its new value, 1 to 2147483647.
 std::int32_t PRNGS(std::int32_t* seed);

@@ -108,6 +108,17 @@ void report_pool(const Pool& pool, double physmem) {
     std::putchar('\n');
 }
 
+// The threshold is what was asked for, also if fewer threads could be started.
+void start_streams(const Pool& pool, bool quiet) {
+    thrds = static_cast<std::uint32_t>(pool.thrds);
+    MIN_PARALLEL = static_cast<std::int32_t>(std::int64_t{pool.streams} * 1001 & 0x7fffffff);
+    if (pool.streams == 1)
+        return;
+    start_coprocessors(static_cast<std::uint32_t>(pool.streams));
+    if (processors < static_cast<std::uint32_t>(pool.streams) && !quiet)
+        std::printf(", Succeeded to start %u threads.", processors);
+}
+
 // Everything between the options and the first prompt. Returns the clock at the start.
 double start(const Options& options) {
     if (!options.quiet)
@@ -127,7 +138,7 @@ double start(const Options& options) {
     install_signals();
     if (!options.quiet)
         exception(0, nullptr, nullptr);
-    MIN_PARALLEL = static_cast<std::int32_t>(processors) * 1001;
+    start_streams(pool, options.quiet);
     SEED_PRNGS(0, &prngs_seed, -1);
     verbs = 0;
     return starttime;
@@ -174,6 +185,7 @@ void report_spent(double spent) {
 }
 
 void end(const Options& options, double starttime) {
+    stop_coprocessors();
     if (!options.quiet)
         std::printf("\n%s\n", errors(999));
     std::putchar('\n');

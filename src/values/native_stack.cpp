@@ -28,7 +28,7 @@ std::size_t stack_limit() {
 
 } // namespace
 
-std::uintptr_t native_stack_floor = 0;
+constinit thread_local std::uintptr_t native_stack_floor = 0;
 
 void measure_native_stack() {
     std::uintptr_t highest = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));

@@ -6,11 +6,11 @@
 
 namespace tessor {
 
-/// Lowest address that a recursion may reach; set by measure_native_stack.
-extern std::uintptr_t native_stack_floor;
+/// Lowest address that a recursion of this thread may reach; set by measure_native_stack.
+extern constinit thread_local std::uintptr_t native_stack_floor;
 
-/// Reads the stack limit of this process and leaves a reserve for what runs without a guard of its
-/// own. Call it once at start-up, on the main thread.
+/// Reads the stack limit of this thread and leaves a reserve for what runs without a guard of its
+/// own. Call it once on each thread.
 void measure_native_stack();
 
 /// What a recursion that may end in a report leaves to the report, whose writers are guarded too.

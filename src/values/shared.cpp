@@ -11,11 +11,11 @@ int A_Problem = 0;
 short violations = 0;
 
 double operators = 0;
-double operations = 0;
+constinit thread_local double operations = 0;
 double verbs = 0;
-double flopos = 0;
-double op_flops = 0;
-double total_flops = 0;
+constinit thread_local double flopos = 0;
+constinit thread_local double op_flops = 0;
+constinit thread_local double total_flops = 0;
 
 bool timing = false;
 bool performance = false;

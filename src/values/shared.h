@@ -1,5 +1,5 @@
 // Flags and counters that the whole system shares. All belong to the main thread, but for the
-// attention word, which signal handlers and workers may set.
+// attention word, which signal handlers set, and for what each thread has of its own.
 #pragma once
 
 #include <atomic>
@@ -8,7 +8,8 @@
 namespace tessor {
 
 struct Space;
-extern Space* stacktop; ///< a push is refused when the top is above it; the engine's
+/// A push is refused when the top is above it. The main thread's is the engine's.
+extern constinit thread_local Space* stacktop;
 
 extern bool Trace;       ///< trace lines in every activation
 extern bool Step;        ///< inspection prompt at every cell of every activation
@@ -18,12 +19,14 @@ extern bool PrintOut;    ///< a writer is at work
 extern int A_Problem;    ///< 1: the depth-0 activation is to throw the top value away
 extern short violations; ///< memory faults since the start
 
-extern double operators;   ///< cells executed in this sentence
-extern double operations;  ///< element operations in this sentence
-extern double verbs;       ///< sum of operators over all sentences
-extern double flopos;      ///< floating-point operations of the current cell
-extern double op_flops;    ///< the main thread's count of the instruction under way
-extern double total_flops; ///< and since the start
+extern double operators; ///< cells executed in this sentence
+extern double verbs;     ///< sum of operators over all sentences
+
+// Each thread counts for itself.
+extern constinit thread_local double operations;  ///< element operations in this sentence
+extern constinit thread_local double flopos;      ///< floating-point operations of the current cell
+extern constinit thread_local double op_flops;    ///< those of the instruction under way
+extern constinit thread_local double total_flops; ///< and since the start
 
 // What the command line asked for.
 extern bool timing;                ///< elapsed time after each sentence
@@ -40,7 +43,6 @@ enum : std::uint32_t {
     fault = 2,     ///< SIGFPE, SIGBUS, SIGSEGV or another came from outside
     trace = 4,     ///< an activation may be traced or stepped
     timing = 8,    ///< a clock reading per cell
-    failure = 16,  ///< a worker's slice failed
 };
 }
 extern std::atomic<std::uint32_t> attention;

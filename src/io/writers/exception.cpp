@@ -51,7 +51,13 @@ void report_violation(int signal) {
 
 } // namespace
 
+constinit thread_local HeldReports* held_reports = nullptr;
+
 void exception(int number, Space* const* top, const Space* cell) {
+    if (held_reports) {
+        held_reports->add(number);
+        return;
+    }
     if (number == good_bye) {
         endprocess = true;
         throw ErrorJump{-1};
@@ -99,9 +105,10 @@ void signalexception(int signal) {
     throw ErrorJump{-1000 - signal};
 }
 
-// One is reported at a time, an interrupt first; the others wait for the next safe point.
+// One is reported at a time, an interrupt first; the others wait for the next safe point. Workers
+// leave them to the main thread.
 void take_signals() {
-    if (!signal_noted())
+    if (!signal_noted() || held_reports)
         return;
     attention.fetch_and(~std::uint32_t{attend::interrupt | attend::fault});
     const std::uint64_t signals = noted.exchange(0);

@@ -8,6 +8,9 @@
 
 #include "values/space.h"
 
+#include <array>
+#include <cstddef>
+
 namespace tessor {
 
 /// Thrown to the innermost recovery point.
@@ -19,6 +22,18 @@ struct ErrorJump {
 /// top pointer, or null: after an interrupt its value is shown too. Number 999 sets endprocess and
 /// throws ErrorJump; number 0 prints the greeting; all others return.
 void exception(int number, Space* const* top, const Space* cell);
+
+/// Numbers that a worker thread has to report: the main thread prints them when it waits for it.
+struct HeldReports {
+    std::array<int, 4> numbers{};
+    int count = 0;
+    void add(int number) {
+        if (count < static_cast<int>(numbers.size()))
+            numbers[static_cast<std::size_t>(count++)] = number;
+    }
+};
+/// Where exception() puts the numbers of this thread; null: it prints them.
+extern constinit thread_local HeldReports* held_reports;
 
 /// exception() without top and cell, then ErrorJump. Number 27 above all.
 [[noreturn]] void exceptionjump(int number);

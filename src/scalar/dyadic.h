@@ -204,7 +204,15 @@ inline InPlace in_place_of(Quotient value) {
     return Stored<Quotient>::fits(value) ? in_place_of(static_cast<std::int32_t>(value.value))
                                          : in_place_of(value.value);
 }
-template <RealLike Usual, RealLike Other>
+// Neither of these lives in place.
+inline InPlace in_place_of(Fault) {
+    return {tag::none, 0};
+}
+template <int N>
+InPlace in_place_of(const Hyper<N>&) {
+    return {tag::none, 0};
+}
+template <class Usual, class Other>
 InPlace in_place_of(const Either<Usual, Other>& value) {
     return value.is_usual ? in_place_of(value.usual) : in_place_of(value.other);
 }
@@ -227,7 +235,8 @@ inline double value_in_place(const Space& space, double) {
     return space.real;
 }
 
-/// The result over the left of two numbers in place. Returns its flops.
+/// The result over the left of two numbers in place. Returns its flops; -1 if it is none that lives
+/// in place, with nothing done.
 template <class L, class R, class Op>
 [[gnu::always_inline]] inline int scalar_pair(const Op& op, Space& left, const Space& right) {
     const L l = value_in_place(left, L{});
@@ -235,7 +244,10 @@ template <class L, class R, class Op>
     const auto result = op.apply(l, r);
     const Looks looks{{left.form, left.marks}, {right.form, right.marks}, false};
     const Look look = Pair<Op, L, R>::look_of(looks);
-    put_in_place(left, in_place_of(result), look, right.type & ISPROBABLE);
+    const InPlace made = in_place_of(result);
+    if (made.tag == tag::none)
+        return -1;
+    put_in_place(left, made, look, right.type & ISPROBABLE);
     return static_cast<int>(op.flops(l, r, result));
 }
 
@@ -258,13 +270,16 @@ int scalar_flops(const Op& op, Space& left, const Space& right) {
                                   : scalar_pair<std::int32_t, std::int32_t>(op, left, right);
 }
 
-/// Runs the verb on two numbers in place; false if the operands are anything else.
+/// Runs the verb on two numbers in place; false if the operands or the result are anything else.
 template <class Op>
 bool scalar_road(const Op& op, Space** top, signed char mode) {
     Space* left = *top - 1;
     if (!numbers_in_place(*left, **top, Op::rules.refused))
         return false;
-    op_flops = (mode < 0 ? 0.0 : 1.0) + scalar_flops(op, *left, **top);
+    const int flops = scalar_flops(op, *left, **top);
+    if (flops < 0)
+        return false;
+    op_flops = (mode < 0 ? 0.0 : 1.0) + flops;
     *top = left;
     count_operations(1);
     return true;
@@ -297,6 +312,8 @@ template <class T, class Op>
     const Looks looks{{left.form, left.marks}, {right.form, right.marks}, false};
     const Look look = Pair<Op, T, T>::look_of(looks);
     const InPlace made = in_place_of(result);
+    if (made.tag == tag::none)
+        return -1;
     if (made.tag != value_tag<T>)
         put_word(left, 0, plain_word(made.tag));
     put_word(left, 3, look_word(look.form, look.marks, made.tag));
@@ -304,12 +321,17 @@ template <class T, class Op>
     return static_cast<int>(op.flops(l, r, result));
 }
 
+/// What dyadic_in_place returns: the flops with the one of the verb itself.
+inline long with_own_flop(int flops) {
+    return flops < 0 ? -1 : 1 + flops;
+}
+
 /// The whole of a dyadic verb on two numbers in place; see verbs.h.
 template <class Op>
 long dyadic_in_place(Space* left, const Space* right, Space* quads) {
     Op op;
     if (plain_pair(*left, *right, tag::integer)) [[likely]]
-        return 1 + plain_flops<std::int32_t>(op, *left, *right);
+        return with_own_flop(plain_flops<std::int32_t>(op, *left, *right));
     if (!numbers_in_place(*left, *right, Op::rules.refused))
         return -1;
     if constexpr (requires { op.tolerance; }) {
@@ -317,8 +339,8 @@ long dyadic_in_place(Space* left, const Space* right, Space* quads) {
             op.tolerance = comparison_tolerance(quads);
     }
     if (plain_pair(*left, *right, tag::real))
-        return 1 + plain_flops<double>(op, *left, *right);
-    return 1 + scalar_flops(op, *left, *right);
+        return with_own_flop(plain_flops<double>(op, *left, *right));
+    return with_own_flop(scalar_flops(op, *left, *right));
 }
 
 } // namespace tessor

@@ -68,10 +68,12 @@ int refusal(const Rules& rules, const Element& left, const Element& right) {
     return numbers && (kinds & rules.restricted) ? 994 : 162;
 }
 
-Element combined(const Frame& f, const DyadicVerb& verb, const Element& left,
-                 const Element& right) {
-    if (left.tag == tag::subarray || right.tag == tag::subarray)
+Element combined(const Frame& f, const DyadicVerb& verb, const Element& left, const Element& right,
+                 std::uint32_t& kinds) {
+    if (left.tag == tag::subarray || right.tag == tag::subarray) {
+        kinds |= kind_bit(tag::subarray);
         return recurse(f, verb, left, right);
+    }
     const Kernel* kernel =
         in_table(left.tag) && in_table(right.tag) ? verb.kernels[left.tag][right.tag] : nullptr;
     if (!kernel)
@@ -79,6 +81,7 @@ Element combined(const Frame& f, const DyadicVerb& verb, const Element& left,
     Element result;
     if (const int number = kernel->element(f.op, left, right, f.target == Target::right, result))
         fail(number, f.top, f.cell);
+    kinds |= kinds_of(*kernel, result.tag, result.c, 1);
     return result;
 }
 
@@ -92,7 +95,8 @@ void add(ArrayBuilder& results, const Element& element) {
     }
 }
 
-void run_elements(const Frame& f, const DyadicVerb& verb, ArrayBuilder& results) {
+std::uint32_t run_elements(const Frame& f, const DyadicVerb& verb, ArrayBuilder& results) {
+    std::uint32_t kinds = results.kinds();
     const Element first_left = f.left_single ? element_at(*f.left, 0) : Element{};
     const Element first_right = f.right_single ? element_at(*f.right, 0) : Element{};
     for (std::uint32_t i = results.size(); i < f.n; ++i) {
@@ -100,8 +104,9 @@ void run_elements(const Frame& f, const DyadicVerb& verb, ArrayBuilder& results)
             between_stretches(i);
         const Element left = f.left_single ? first_left : element_at(*f.left, i);
         const Element right = f.right_single ? first_right : element_at(*f.right, i);
-        add(results, combined(f, verb, left, right));
+        add(results, combined(f, verb, left, right, kinds));
     }
+    return kinds;
 }
 
 // The Space of a monadic recursion; on a failure nothing of it stays.
@@ -143,12 +148,13 @@ Element transformed(const Frame& f, const MonadicVerb& verb, const Element& elem
     return result;
 }
 
-void run_elements(const Frame& f, const MonadicVerb& verb, ArrayBuilder& results) {
+std::uint32_t run_elements(const Frame& f, const MonadicVerb& verb, ArrayBuilder& results) {
     for (std::uint32_t i = results.size(); i < f.n; ++i) {
         if (i % stretch_length == 0)
             between_stretches(i);
         add(results, transformed(f, verb, element_at(*f.left, i)));
     }
+    return results.kinds();
 }
 
 // A data block of n elements that goes with its owner.
@@ -199,7 +205,7 @@ void run_road(const Frame& f, const VerbTable& verb, Outcome& out) {
     out.fresh = {};
     out.reused = nullptr;
     try {
-        run_elements(f, verb, results);
+        out.kinds = run_elements(f, verb, results);
     } catch (const ErrorJump&) {
         try {
             write_back(f, results);
@@ -208,7 +214,6 @@ void run_road(const Frame& f, const VerbTable& verb, Outcome& out) {
         }
         throw;
     }
-    out.kinds = results.kinds();
     out.done = f.n;
     out.fresh = BlockHandle(results.finish());
 }

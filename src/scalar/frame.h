@@ -54,6 +54,8 @@ struct Kernel {
     void (*wide)(const void* op, const Stretch& stretch, void* items, Tally& tally);
     /// The look of all results of operands with these looks. False: only each element can tell.
     bool (*look)(Look left, Look right, bool over_right, Look& result);
+    /// The kind bits of n results, where their tag doesn't tell them; else null.
+    std::uint32_t (*kinds)(const void* items, std::uint32_t n);
     /// One element. Counts its flops in op_flops. Returns 0, or the number to report.
     int (*element)(const void* op, const Element& left, const Element& right, bool over_right,
                    Element& result);

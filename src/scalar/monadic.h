@@ -106,12 +106,16 @@ constexpr MonadicVerb monadic_verb(VerbFunction verb) {
     return made;
 }
 
+/// The result over a number in place. Returns its flops; -1 if it is none that lives in place.
 template <class T, class Op>
 [[gnu::always_inline]] inline int scalar_single(const Op& op, Space& space) {
     const T x = value_in_place(space, T{});
     const auto result = op.apply(x);
     const Look look = Op::look(x, Look{space.form, space.marks});
-    put_in_place(space, in_place_of(result), look, 0);
+    const InPlace made = in_place_of(result);
+    if (made.tag == tag::none)
+        return -1;
+    put_in_place(space, made, look, 0);
     return static_cast<int>(op.flops(x, result));
 }
 
@@ -125,8 +129,11 @@ void monadic(Space** top, const Space* cell, Space* quads, signed char mode) {
     Space& operand = **top;
     if (!(operand.type & ISINPLACE) || operand.tag < tag::integer)
         return run_monadic(table, &op, top, cell, quads, mode);
-    op_flops += operand.tag == tag::real ? scalar_single<double>(op, operand)
-                                         : scalar_single<std::int32_t>(op, operand);
+    const int flops = operand.tag == tag::real ? scalar_single<double>(op, operand)
+                                               : scalar_single<std::int32_t>(op, operand);
+    if (flops < 0)
+        return run_monadic(table, &op, top, cell, quads, mode);
+    op_flops += flops;
     count_operations(1);
 }
 

@@ -132,7 +132,7 @@ void run_narrow(const Packed& p, Outcome& out) {
         count_flops(p.kernel, tally, s.n);
         out.done += s.n;
     }
-    out.kinds = kind_bit(storage_tag(p.kernel.storage));
+    out.kinds = kinds_of(p.kernel, storage_tag(p.kernel.storage), out.block(), f.n);
 }
 
 void widen_items(const void* from, Storage storage, double* to, std::uint32_t n) {
@@ -187,9 +187,9 @@ bool run_few(const Frame& f, const Kernel& kernel, const View& left, const View&
     if (tally.misfit)
         return false;
     count_flops(kernel, tally, f.n);
+    out.kinds = kinds_of(kernel, storage_tag(kernel.storage), block.get(), f.n);
     out.fresh = std::move(block);
     out.done = f.n;
-    out.kinds = kind_bit(storage_tag(kernel.storage));
     return true;
 }
 
@@ -209,7 +209,7 @@ void run_packed(Frame& f, const Kernel& kernel, const View& left, const View& ri
 const Kernel* packed_kernel(const Frame& f, const DyadicVerb& verb, View& left, View& right) {
     left = view_of(*f.left);
     right = view_of(*f.right);
-    if (f.rules->integers_as_reals) {
+    if (f.rules->integers_as_reals && left.look.marks == 0) {
         if (of_both_kinds(left.storage) && right.tag == tag::real)
             left.tag = tag::real;
         else if (of_both_kinds(right.storage) && left.tag == tag::real)

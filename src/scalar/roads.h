@@ -44,6 +44,12 @@ inline bool in_place(const Space& space) {
     return (space.type & ISINPLACE) != 0;
 }
 
+/// Kind bits of n results of a kernel, as packed items of this tag.
+inline std::uint32_t kinds_of(const Kernel& kernel, std::int32_t tag, const void* items,
+                              std::uint32_t n) {
+    return kernel.kinds ? kernel.kinds(items, n) : kind_bit(tag);
+}
+
 /// Takes noted signals between stretches; `first` is the element to come.
 inline void between_stretches(std::uint32_t first) {
     if (first && signal_noted())

@@ -292,9 +292,12 @@ template <class T>
 constexpr int fault_of(const T&) {
     return 0;
 }
-template <class Usual>
-constexpr int fault_of(const Either<Usual, Fault>& v) {
-    return v.is_usual ? 0 : v.other.number;
+constexpr int fault_of(const Fault& fault) {
+    return fault.number;
+}
+template <class Usual, class Other>
+constexpr int fault_of(const Either<Usual, Other>& v) {
+    return v.is_usual ? 0 : fault_of(v.other);
 }
 
 } // namespace tessor

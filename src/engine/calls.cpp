@@ -44,16 +44,6 @@ void take_off_chain(Activation& run, const HashTable* hash) {
     drop(std::exchange(run.table, chain));
 }
 
-// Makes room for the locals under the n operands, each unset.
-void open_locals(Space* first_operand, long n, int locals) {
-    std::memmove(static_cast<void*>(first_operand + locals), first_operand,
-                 static_cast<std::size_t>(n) * sizeof(Space));
-    for (int i = 0; i < locals; ++i) {
-        first_operand[i] = Space{};
-        first_operand[i].rank = kind::VARIABLE;
-    }
-}
-
 Next run_on_operands(Activation& run, const Space& function) {
     const long n = function.arguments;
     if (n > 0 && run.values() < n) {
@@ -81,6 +71,15 @@ private:
 };
 
 } // namespace
+
+void open_locals(Space* first_operand, long n, int locals) {
+    std::memmove(static_cast<void*>(first_operand + locals), first_operand,
+                 static_cast<std::size_t>(n) * sizeof(Space));
+    for (int i = 0; i < locals; ++i) {
+        first_operand[i] = Space{};
+        first_operand[i].rank = kind::VARIABLE;
+    }
+}
 
 void enter_own_table(Activation& run, HashTable* hash) {
     if (run.table->hash == hash && run.table->count < 0)

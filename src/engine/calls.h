@@ -29,6 +29,9 @@ inline void enter_table(Activation& run, const Space& function) {
 /// frame. `stopped` tells whether its activation ended early. 806 as in call.
 Next run_function(Activation& run, const Space& function, long n, bool* stopped = nullptr);
 
+/// Makes room for the locals of a call under its n operands, each unset. There must be that room.
+void open_locals(Space* first_operand, long n, int locals);
+
 /// Releases the locals that were made for this activation, and moves its values down over them.
 void close_locals(Activation& run) noexcept;
 

@@ -25,11 +25,7 @@ void push(const Frame& f, const Element& element) {
         slot = *element.subarray;
         referencepoint(&slot);
     } else {
-        make_scalar(slot, element);
-        if (element.name && element.tag != tag::quaternion)
-            count_up(element.name);
-        else if (element.tag < 0 || element.tag > tag::octonion)
-            referencedataelems(static_cast<const DataElement*>(slot.data_pointer), 1);
+        copy_scalar(slot, element);
         slot.type = ISSCALAR | (below.type & element_kinds) | (slot.type & ISINPLACE);
     }
     ++*f.top;

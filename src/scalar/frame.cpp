@@ -88,27 +88,6 @@ void shape_result(const Frame& f) {
     }
 }
 
-// A plain scalar lives in its Space.
-void settle_scalar(Space& space) {
-    const std::int32_t first = first_tag(space);
-    if (space.rank != 0 || first < tag::ascii || first > tag::real || first == tag::unicode)
-        return;
-    const Element element = element_of(space.data_pointer, 0);
-    if (element.named())
-        return;
-    release_data(space.data_pointer, 1);
-    space.type |= ISINPLACE;
-    space.form = element.form;
-    space.marks = element.marks;
-    space.tag = element.tag;
-    if (element.tag == tag::real)
-        space.real = element.c[0];
-    else if (element.tag == tag::integer)
-        space.integer = element.integer;
-    else
-        space.character = element.character;
-}
-
 void close(const Frame& f, Outcome& out) {
     Space& result = *f.left;
     std::uint32_t kinds = out.kinds;

@@ -282,6 +282,36 @@ void make_scalar(Space& space, const Element& element) {
     space.data_pointer = builder.finish();
 }
 
+void copy_scalar(Space& space, const Element& element) {
+    make_scalar(space, element);
+    if (element.name)
+        count_up(element.name);
+    if (element.tag == tag::subarray)
+        count_up(element.subarray);
+    else if (element.tag < 0 || element.tag > tag::octonion)
+        referencedataelems(static_cast<const DataElement*>(space.data_pointer), 1);
+}
+
+void settle_scalar(Space& space) {
+    const std::int32_t first = first_tag(space);
+    if (space.rank != 0 || first < tag::ascii || first > tag::real || first == tag::unicode)
+        return;
+    const Element element = element_of(space.data_pointer, 0);
+    if (element.named())
+        return;
+    release_data(space.data_pointer, 1);
+    space.type |= ISINPLACE;
+    space.form = element.form;
+    space.marks = element.marks;
+    space.tag = element.tag;
+    if (element.tag == tag::real)
+        space.real = element.c[0];
+    else if (element.tag == tag::integer)
+        space.integer = element.integer;
+    else
+        space.character = element.character;
+}
+
 void make_empty(Space& space, std::uint32_t extra) noexcept {
     space = Space{};
     space.rank = 1;

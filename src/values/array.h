@@ -93,6 +93,10 @@ void make_character(Space& space, std::uint8_t value, std::uint16_t form = form:
                     std::uint16_t marks = 0);
 /// A scalar of any element, taken over. In place if it can be.
 void make_scalar(Space& space, const Element& element);
+/// The same of an element that stays where it was: its counts go up.
+void copy_scalar(Space& space, const Element& element);
+/// Takes a scalar with a block of its own over into its Space, if it can be in place.
+void settle_scalar(Space& space);
 /// Empty vector: depth 0, a shape block with 0, extra type bits as given. All of them share one
 /// permanent shape block, so this can't fail.
 void make_empty(Space& space, std::uint32_t extra = 0) noexcept;

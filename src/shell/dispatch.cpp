@@ -1,5 +1,6 @@
 #include "shell/dispatch.h"
 
+#include "array/each.h"
 #include "array/reshape.h"
 #include "engine/branches.h"
 #include "engine/calls.h"
@@ -92,6 +93,8 @@ constexpr BodyRow body_rows[] = {
     {op::SHAPE, shape},
     {op::RANK, rank},
     {op::DEPTH, depth},
+    // functions on arrays
+    {op::EACH, each},
     // output
     {op::OUTPUT, output},
     {op::PRINT, output},

@@ -1,7 +1,7 @@
 // Arithmetic on arrays: Tessor, the limit and NumPy on the same work, in turns, in one run. What
 // counts are the ratios; the times are there to give an idea.
 //
-//   bench_arrays INTERPRETER SCRIPT [ROUNDS]
+//   bench_arrays INTERPRETER SCRIPT [ROUNDS [VERB]]
 #include "clock.h"
 #include "limit.h"
 #include "numpy_side.h"
@@ -21,6 +21,7 @@ namespace bench {
 namespace {
 
 int missed = 0;
+const char* only_verb = nullptr; ///< null: all of them
 
 // A ratio beside its target, which is an upper bound.
 void print_ratio(const char* against, const Spread& ratio, double target) {
@@ -56,6 +57,7 @@ struct Operands {
     Kept left, right, result;
     double scalar[2] = {scalar_value + 0.5, scalar_value + 0.5};
     std::int32_t whole_scalar = scalar_value;
+    std::uint8_t truth_scalar = 1;
 
     Operands(Type t, std::size_t count)
         : type(t),
@@ -70,6 +72,8 @@ struct Operands {
     const void* right_of(const Work& work) const {
         if (!work.scalar)
             return right.data();
+        if (type == Type::truth)
+            return &truth_scalar;
         return type == Type::int32 ? static_cast<const void*>(&whole_scalar) : scalar;
     }
 };
@@ -95,6 +99,8 @@ double limit_at(const Work& work, const Operands& operands, std::size_t i, int c
 }
 
 std::string sentence_text(const Work& work, const char* end) {
+    if (work.verb == Verb::negation)
+        return std::string("A ") + verb_text(work.verb) + end;
     return "A " + (work.scalar ? scalar_text(work.type) : std::string("B")) + " "
            + verb_text(work.verb) + end;
 }
@@ -115,7 +121,7 @@ void compare_results(const Work& work, const Operands& operands) {
 }
 
 const char* type_name(Type type) {
-    constexpr const char* names[] = {"integer", "real", "complex"};
+    constexpr const char* names[] = {"integer", "real", "complex", "truth"};
     return names[static_cast<int>(type)];
 }
 
@@ -133,7 +139,10 @@ void measure(const Work& work, const Operands& operands, NumPy& numpy, int round
         to_numpy.push_back(tessor / other);
     }
     std::printf("%-8s %-8s %.0e with %s  %8.3f ms", type_name(work.type), verb_text(work.verb),
-                static_cast<double>(work.n), work.scalar ? "scalar" : "vector",
+                static_cast<double>(work.n),
+                work.verb == Verb::negation ? "itself"
+                : work.scalar               ? "scalar"
+                                            : "vector",
                 spread_of(times).median);
     print_ratio("limit", spread_of(to_limit), work.type == Type::complex128 ? 1.5 : 1.25);
     print_ratio("NumPy", spread_of(to_numpy), 1.0);
@@ -141,16 +150,28 @@ void measure(const Work& work, const Operands& operands, NumPy& numpy, int round
     std::fflush(stdout);
 }
 
+std::vector<Verb> verbs_of(Type type) {
+    if (type == Type::complex128)
+        return {Verb::multiply};
+    const std::vector<Verb> logic = {Verb::conjunction, Verb::disjunction, Verb::negation};
+    if (type == Type::truth)
+        return logic;
+    std::vector<Verb> verbs = {Verb::add,  Verb::subtract, Verb::multiply, Verb::divide,
+                               Verb::less, Verb::equal,    Verb::minimum,  Verb::maximum};
+    verbs.insert(verbs.end(), logic.begin(), logic.end());
+    return verbs;
+}
+
 void measure_type(Type type, std::size_t n, NumPy& numpy, int rounds) {
     const Operands operands(type, n);
     bind_array("A", type, n, true);
     bind_array("B", type, n, false);
-    for (Verb verb :
-         {Verb::add, Verb::subtract, Verb::multiply, Verb::divide, Verb::less, Verb::equal}) {
-        if (type == Type::complex128 && verb != Verb::multiply)
+    for (const Verb verb : verbs_of(type)) {
+        if (only_verb && std::strcmp(only_verb, verb_text(verb)) != 0)
             continue;
-        for (bool scalar : {false, true})
-            measure({type, verb, n, scalar}, operands, numpy, rounds);
+        for (const bool scalar : {false, true})
+            if (!scalar || verb != Verb::negation)
+                measure({type, verb, n, scalar}, operands, numpy, rounds);
     }
     bind_array("A", type, 1, true);
     bind_array("B", type, 1, false);
@@ -232,13 +253,14 @@ void measure_memory(Type type, std::size_t n, NumPy& numpy) {
 int run(const char* interpreter, const char* script, int rounds) {
     NumPy numpy(interpreter, script);
     start_tessor();
-    constexpr Type types[] = {Type::int32, Type::float64, Type::complex128};
-    for (Type type : types)
-        measure_memory(type, 10'000'000, numpy);
-    for (Type type : {Type::int32, Type::float64})
-        measure_small(type, numpy, rounds);
+    if (!only_verb) {
+        for (Type type : {Type::int32, Type::float64, Type::complex128})
+            measure_memory(type, 10'000'000, numpy);
+        for (Type type : {Type::int32, Type::float64})
+            measure_small(type, numpy, rounds);
+    }
     for (std::size_t n : {std::size_t{1'000'000}, std::size_t{10'000'000}})
-        for (Type type : types)
+        for (Type type : {Type::int32, Type::float64, Type::complex128, Type::truth})
             measure_type(type, n, numpy, rounds);
     std::printf("targets missed: %d\n", missed);
     return 0;
@@ -250,8 +272,9 @@ int run(const char* interpreter, const char* script, int rounds) {
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::fputs("usage: bench_arrays INTERPRETER SCRIPT [ROUNDS]\n", stderr);
+        std::fputs("usage: bench_arrays INTERPRETER SCRIPT [ROUNDS [VERB]]\n", stderr);
         return 1;
     }
+    bench::only_verb = argc > 4 ? argv[4] : nullptr;
     return bench::run(argv[1], argv[2], argc > 3 ? std::max(std::atoi(argv[3]), 1) : 9);
 }

@@ -40,6 +40,47 @@ struct Equal {
         return a == b;
     }
 };
+struct Minimum {
+    template <class T>
+    static T of(T a, T b) {
+        return a < b ? a : b;
+    }
+};
+struct Maximum {
+    template <class T>
+    static T of(T a, T b) {
+        return a > b ? a : b;
+    }
+};
+
+// Integers are true above 0; reals are limited to degrees from 0 to 1.
+inline std::uint8_t truth(std::int32_t x) {
+    return x > 0;
+}
+inline std::uint8_t truth(std::uint8_t x) {
+    return x;
+}
+inline double truth(double x) {
+    return x < 0 ? 0 : x <= 1 ? x : 1;
+}
+struct Conjunction {
+    template <class T>
+    static auto of(T a, T b) {
+        return Minimum::of(truth(a), truth(b));
+    }
+};
+struct Disjunction {
+    template <class T>
+    static auto of(T a, T b) {
+        return Maximum::of(truth(a), truth(b));
+    }
+};
+struct Negation {
+    template <class T>
+    static auto of(T a, T) {
+        return static_cast<decltype(truth(a))>(1 - truth(a));
+    }
+};
 
 template <class F, class T>
 using Result = decltype(F::of(T{}, T{}));
@@ -60,6 +101,14 @@ void with_scalar(const void* left, const void* right, void* result, std::size_t 
     auto* __restrict r = static_cast<Result<F, T>*>(result);
     for (std::size_t i = 0; i < n; ++i)
         r[i] = F::of(a[i], b);
+}
+
+template <class F, class T>
+void alone(const void* left, const void*, void* result, std::size_t n) {
+    const T* __restrict a = static_cast<const T*>(left);
+    auto* __restrict r = static_cast<Result<F, T>*>(result);
+    for (std::size_t i = 0; i < n; ++i)
+        r[i] = F::of(a[i], T{});
 }
 
 void complex_product(const double* a, const double* b, double* __restrict r) {
@@ -98,9 +147,14 @@ Limit pick_verb(const Work& work) {
     case Verb::multiply: return pick<Multiply, T>(work.scalar);
     case Verb::divide: return pick<Divide, T>(work.scalar);
     case Verb::less: return pick<Less, T>(work.scalar);
-    case Verb::equal: break;
+    case Verb::equal: return pick<Equal, T>(work.scalar);
+    case Verb::minimum: return pick<Minimum, T>(work.scalar);
+    case Verb::maximum: return pick<Maximum, T>(work.scalar);
+    case Verb::conjunction: return pick<Conjunction, T>(work.scalar);
+    case Verb::disjunction: return pick<Disjunction, T>(work.scalar);
+    case Verb::negation: break;
     }
-    return pick<Equal, T>(work.scalar);
+    return {alone<Negation, T>, sizeof(Result<Negation, T>)};
 }
 
 } // namespace
@@ -108,6 +162,8 @@ Limit pick_verb(const Work& work) {
 Limit limit_of(const Work& work) {
     if (work.type == Type::complex128)
         return {work.scalar ? complex_scalar : complex_vectors, 2 * sizeof(double)};
+    if (work.type == Type::truth)
+        return pick_verb<std::uint8_t>(work);
     return work.type == Type::int32 ? pick_verb<std::int32_t>(work) : pick_verb<double>(work);
 }
 

@@ -13,8 +13,9 @@ namespace bench {
 
 namespace {
 
-constexpr const char* type_names[] = {"int32", "float64", "complex128"};
-constexpr const char* verb_names[] = {"add", "subtract", "multiply", "divide", "less", "equal"};
+constexpr const char* type_names[] = {"int32", "float64", "complex128", "bool"};
+constexpr const char* verb_names[] = {"add",     "subtract", "multiply", "divide", "less", "equal",
+                                      "minimum", "maximum",  "and",      "or",     "not"};
 
 [[noreturn]] void give_up(const char* why) {
     std::fprintf(stderr, "NumPy: %s\n", why);

@@ -12,8 +12,13 @@ import time
 import numpy
 
 VERBS = {"add": operator.add, "subtract": operator.sub, "multiply": operator.mul,
-         "divide": operator.truediv, "less": operator.lt, "equal": operator.eq}
-SCALARS = {"int32": 7, "float64": 7.5, "complex128": 7.5 + 7.5j}
+         "divide": operator.truediv, "less": operator.lt, "equal": operator.eq,
+         "minimum": numpy.minimum, "maximum": numpy.maximum,
+         "and": numpy.logical_and, "or": numpy.logical_or,
+         "not": lambda left, right: numpy.logical_not(left)}
+# Degrees of truth, which are taken as they are.
+DEGREES = {"and": numpy.minimum, "or": numpy.maximum, "not": lambda left, right: 1 - left}
+SCALARS = {"int32": 7, "float64": 7.5, "complex128": 7.5 + 7.5j, "bool": numpy.True_}
 
 operands = {}
 
@@ -21,6 +26,8 @@ operands = {}
 def made(values, kind):
     if kind == "int32":
         return values.astype(numpy.int32)
+    if kind == "bool":
+        return values % 2 != 0
     return ((values + 0.5) * (1 + 1j if kind == "complex128" else 1)).astype(kind)
 
 
@@ -34,7 +41,7 @@ def operands_of(kind, n):
 
 
 def measure(verb, kind, n, shape, repetitions):
-    run = VERBS[verb]
+    run = DEGREES.get(verb, VERBS[verb]) if kind == "float64" else VERBS[verb]
     left, right = operands_of(kind, n)
     if shape == "scalar":
         right = SCALARS[kind]

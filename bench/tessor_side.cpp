@@ -27,9 +27,10 @@ Kind kind_of(Type type) {
     switch (type) {
     case Type::int32: return {Storage::integer, HASINTEGER};
     case Type::float64: return {Storage::real, HASREAL};
-    case Type::complex128: break;
+    case Type::complex128: return {Storage::complex, HASCOMPLEX};
+    case Type::truth: break;
     }
-    return {Storage::complex, HASCOMPLEX};
+    return {Storage::truth, HASINTEGER};
 }
 
 } // namespace
@@ -42,7 +43,8 @@ void start_tessor() {
 
 void bind_array(const char* name, Type type, std::size_t n, bool left) {
     const auto [storage, bit] = kind_of(type);
-    void* data = allocate_items(n, item_size(storage), encode({storage, form::number, 0}));
+    const std::uint16_t look = type == Type::truth ? form::boolean : form::number;
+    void* data = allocate_items(n, item_size(storage), encode({storage, look, 0}));
     fill_operand(data, type, n, left ? left_value : right_value);
     Space* target = enter(memory, stringdup(name))->value;
     dereferencepoint(target);
@@ -54,13 +56,15 @@ std::string scalar_text(Type type) {
     switch (type) {
     case Type::int32: return whole;
     case Type::float64: return whole + ".5";
-    case Type::complex128: break;
+    case Type::complex128: return whole + ".5i" + whole + ".5";
+    case Type::truth: break;
     }
-    return whole + ".5i" + whole + ".5";
+    return "T";
 }
 
 const char* verb_text(Verb verb) {
-    constexpr const char* texts[] = {"ADD", "SUBTRACT", "MULTIPLY", "DIVIDE", "LESS", "EQUAL"};
+    constexpr const char* texts[] = {"ADD",     "SUBTRACT", "MULTIPLY", "DIVIDE", "LESS", "EQUAL",
+                                     "MINIMUM", "MAXIMUM",  "AND",      "OR",     "NOT"};
     return texts[static_cast<int>(verb)];
 }
 

@@ -2,46 +2,28 @@
 
 #include "values/shared.h"
 
-#include <cmath>
-
 namespace tessor {
 
 namespace {
 
-// A NaN counts as 1.
-double clamp(double x) {
-    if (x < 0)
-        return 0;
-    return x <= 1 ? x : 1;
-}
-
-double imbalance(const double* components, int n) {
-    double sum = 0;
-    for (int i = 0; i < n; ++i)
-        sum += clamp(components[i]);
-    const double half = n / 2.0;
-    return std::fabs(sum - half) / half;
+template <int N>
+double counted_imbalance(const double* components) {
+    op_flops += flops_of_imbalance(components_in_use<N>(components));
+    return imbalance<N, true>(components);
 }
 
 } // namespace
 
 double contradict_c(const double* components) {
-    op_flops += 5;
-    return imbalance(components, 2);
+    return counted_imbalance<2>(components);
 }
 
 double contradict_q(const double* components) {
-    const bool short_one = std::isnan(components[3]);
-    op_flops += short_one ? 8 : 11;
-    return imbalance(components, short_one ? 3 : 4);
+    return counted_imbalance<4>(components);
 }
 
 double contradict_o(const double* components) {
-    int n = 8;
-    while (n > 5 && std::isnan(components[n - 1]))
-        --n;
-    op_flops += 2 * n + 2;
-    return imbalance(components, n);
+    return counted_imbalance<8>(components);
 }
 
 } // namespace tessor

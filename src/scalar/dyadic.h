@@ -34,9 +34,9 @@ constexpr Look passing(Look look) {
 /// complex result as its complex operand, the left one of two; all others plain numbers.
 template <class L, class R, class Out>
 constexpr Look usual_look(const Looks& looks) {
-    if constexpr (std::same_as<Out, Truth>)
+    if constexpr (std::same_as<Out, Truth> || std::same_as<Out, Bit>)
         return {form::boolean, 0};
-    else if constexpr (std::same_as<Out, Degree>)
+    else if constexpr (std::same_as<Out, Degree> || std::same_as<Out, Certainty>)
         return {form::logical, 0};
     else if constexpr (std::same_as<Out, Complex>)
         return passing(std::same_as<L, Complex> ? looks.left : looks.right);
@@ -156,13 +156,15 @@ constexpr const Kernel* pair_kernel() {
 }
 
 template <class Op, class L>
-constexpr void fill_row(const Kernel* (&row)[tags]) {
+constexpr void fill_row(const Kernel* (&row)[rows]) {
     row[tag::ascii] = pair_kernel<Op, L, Character>();
     row[tag::integer] = pair_kernel<Op, L, std::int32_t>();
     row[tag::real] = pair_kernel<Op, L, double>();
     row[tag::complex] = pair_kernel<Op, L, Complex>();
     row[tag::quaternion] = pair_kernel<Op, L, Quaternion>();
     row[tag::octonion] = pair_kernel<Op, L, Octonion>();
+    row[truth_row] = pair_kernel<Op, L, Bit>();
+    row[degree_row] = pair_kernel<Op, L, Certainty>();
 }
 
 template <class Op>
@@ -174,6 +176,8 @@ constexpr DyadicVerb dyadic_verb(VerbFunction verb) {
     fill_row<Op, Complex>(made.kernels[tag::complex]);
     fill_row<Op, Quaternion>(made.kernels[tag::quaternion]);
     fill_row<Op, Octonion>(made.kernels[tag::octonion]);
+    fill_row<Op, Bit>(made.kernels[truth_row]);
+    fill_row<Op, Certainty>(made.kernels[degree_row]);
     return made;
 }
 
@@ -192,6 +196,9 @@ inline InPlace in_place_of(double value) {
     return {tag::real, std::bit_cast<std::uint64_t>(value)};
 }
 inline InPlace in_place_of(Truth value) {
+    return in_place_of(std::int32_t{value.value});
+}
+inline InPlace in_place_of(Bit value) {
     return in_place_of(std::int32_t{value.value});
 }
 inline InPlace in_place_of(Degree value) {

@@ -136,7 +136,8 @@ Element transformed(const Frame& f, const MonadicVerb& verb, const Element& elem
         result.subarray = copy.enclosed();
         return result;
     }
-    const Kernel* kernel = in_table(element.tag) ? verb.kernels[element.tag] : nullptr;
+    const Kernel* kernel =
+        in_table(element.tag) ? verb.kernels_for(element.tag, element.form)[element.tag] : nullptr;
     if (!kernel)
         fail(994, f.top, f.cell);
     if (const int number = kernel->element(f.op, element, element, false, result))

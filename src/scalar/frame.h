@@ -63,6 +63,11 @@ struct Kernel {
 
 inline constexpr int tags = tag::octonion + 1;
 
+/// Rows of the tables of kernels: a tag, or elements of a byte each.
+inline constexpr int truth_row = tags;
+inline constexpr int degree_row = tags + 1;
+inline constexpr int rows = tags + 2;
+
 /// What is particular to a verb.
 struct Rules {
     /// Type bits that an operand may not have: number 17.
@@ -73,20 +78,28 @@ struct Rules {
     std::uint32_t counted = numeric_kinds;
     /// An integer beside a real gives what the same real would.
     bool integers_as_reals = true;
+    /// Nothing of a number counts but its truth, a degree from 0 to 1.
+    bool truths = false;
 };
 
 using VerbFunction = void (*)(Space** top, const Space* cell, Space* quads, signed char mode);
 
 struct DyadicVerb {
     Rules rules;
-    const Kernel* kernels[tags][tags];
+    const Kernel* kernels[rows][rows];
     VerbFunction verb;
 };
 
 struct MonadicVerb {
     Rules rules;
-    const Kernel* kernels[tags];
+    const Kernel* kernels[rows];
     VerbFunction verb;
+    const Kernel* others[rows]; ///< for elements of the forms that `other` names
+    bool (*other)(std::int32_t tag, std::uint16_t form);
+
+    const Kernel* const* kernels_for(std::int32_t tag, std::uint16_t form) const {
+        return other && other(tag, form) ? others : kernels;
+    }
 };
 
 /// Runs a dyadic verb on the top two values: the result is left in the left one's cell, and *top

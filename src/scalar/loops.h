@@ -8,8 +8,9 @@ namespace tessor {
 
 /// Loops over these go through run_simd; all others are compiled once.
 template <class L, class R>
-inline constexpr bool vector_pair =
-    (RealLike<L> && RealLike<R>) || (std::same_as<L, Complex> && std::same_as<R, Complex>);
+inline constexpr bool vector_pair = (RealLike<L> && RealLike<R>)
+                                    || (std::same_as<L, Complex> && std::same_as<R, Complex>)
+                                    || (ByteLike<L> && ByteLike<R>);
 
 /// What the items of a result's loop are.
 template <class Out, bool wide>

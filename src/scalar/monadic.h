@@ -5,8 +5,11 @@
 //     apply(x)             overloads on value types; tags without one are refused
 //     flops(x, result)     the flops of one element, as in dyadic.h
 //     look(x, Look)        form and marks of the result
-// and where it needs it
+// and where it needs them
 //     refuses(x, Look)     the number to report for an element that looks like this; 0: none
+//     Other                an operation without state that takes its place for the elements that
+//     other(tag, form)     tells
+// A look that depends on the state of the operation belongs to each element.
 #pragma once
 
 #include "scalar/dyadic.h"
@@ -43,13 +46,24 @@ struct Single {
     static bool look(Look operand, Look, bool, Look& result) {
         if (refusal(operand))
             return false;
-        result = Op::look(T{}, operand);
-        return true;
+        if constexpr (requires { Op::look(T{}, operand); }) {
+            result = Op::look(T{}, operand);
+            return true;
+        }
+        return false;
+    }
+
+    // One without state isn't read: the record may be that of the operation it stands in for.
+    static Op operation(const void* record) {
+        if constexpr (std::is_empty_v<Op>)
+            return Op{};
+        else
+            return *static_cast<const Op*>(record);
     }
 
     template <bool wide>
     static void run(const void* record, const Stretch& s, void* room, Tally& tally) {
-        const Op op = *static_cast<const Op*>(record);
+        const Op op = operation(record);
         const auto* items = static_cast<const typename Stored<T>::Item*>(s.left);
         const auto apply = [=](std::size_t i, std::uint32_t& flops) {
             const T x = Stored<T>::load(items, i);
@@ -67,7 +81,7 @@ struct Single {
 
     static int element(const void* record, const Element& operand, const Element&, bool,
                        Element& result) {
-        const Op& op = *static_cast<const Op*>(record);
+        const Op op = operation(record);
         const Look operand_look{operand.form, operand.marks};
         if (const int number = refusal(operand_look))
             return number;
@@ -76,7 +90,7 @@ struct Single {
         if (const int number = fault_of(out))
             return number;
         op_flops += static_cast<double>(op.flops(x, out));
-        const Look found = Op::look(x, operand_look);
+        const Look found = op.look(x, operand_look);
         Stored<Out>::put(result, out);
         result.form = found.form;
         result.marks = found.marks;
@@ -95,14 +109,25 @@ constexpr const Kernel* single_kernel() {
 }
 
 template <class Op>
+constexpr void fill_singles(const Kernel* (&row)[rows]) {
+    row[tag::ascii] = single_kernel<Op, Character>();
+    row[tag::integer] = single_kernel<Op, std::int32_t>();
+    row[tag::real] = single_kernel<Op, double>();
+    row[tag::complex] = single_kernel<Op, Complex>();
+    row[tag::quaternion] = single_kernel<Op, Quaternion>();
+    row[tag::octonion] = single_kernel<Op, Octonion>();
+    row[truth_row] = single_kernel<Op, Bit>();
+    row[degree_row] = single_kernel<Op, Certainty>();
+}
+
+template <class Op>
 constexpr MonadicVerb monadic_verb(VerbFunction verb) {
-    MonadicVerb made{Op::rules, {}, verb};
-    made.kernels[tag::ascii] = single_kernel<Op, Character>();
-    made.kernels[tag::integer] = single_kernel<Op, std::int32_t>();
-    made.kernels[tag::real] = single_kernel<Op, double>();
-    made.kernels[tag::complex] = single_kernel<Op, Complex>();
-    made.kernels[tag::quaternion] = single_kernel<Op, Quaternion>();
-    made.kernels[tag::octonion] = single_kernel<Op, Octonion>();
+    MonadicVerb made{Op::rules, {}, verb, {}, nullptr};
+    fill_singles<Op>(made.kernels);
+    if constexpr (requires { typename Op::Other; }) {
+        fill_singles<typename Op::Other>(made.others);
+        made.other = Op::other;
+    }
     return made;
 }
 
@@ -119,6 +144,32 @@ template <class T, class Op>
     return static_cast<int>(op.flops(x, result));
 }
 
+/// The operation on an integer or a real in place.
+template <class Op>
+[[gnu::always_inline]] inline int scalar_number(const Op& op, Space& space) {
+    return space.tag == tag::real ? scalar_single<double>(op, space)
+                                  : scalar_single<std::int32_t>(op, space);
+}
+
+/// Runs a monadic verb by its table; its operation does a number in place by itself.
+template <class Op>
+void run_monadic_with(const MonadicVerb& table, const Op& op, Space** top, const Space* cell,
+                      Space* quads, signed char mode) {
+    Space& operand = **top;
+    if (!(operand.type & ISINPLACE) || operand.tag < tag::integer)
+        return run_monadic(table, &op, top, cell, quads, mode);
+    int flops = 0;
+    if constexpr (requires { typename Op::Other; })
+        flops = Op::other(operand.tag, operand.form) ? scalar_number(typename Op::Other{}, operand)
+                                                     : scalar_number(op, operand);
+    else
+        flops = scalar_number(op, operand);
+    if (flops < 0)
+        return run_monadic(table, &op, top, cell, quads, mode);
+    op_flops += flops;
+    count_operations(1);
+}
+
 /// The whole of a monadic verb.
 template <class Op, VerbFunction verb>
 void monadic(Space** top, const Space* cell, Space* quads, signed char mode) {
@@ -126,15 +177,7 @@ void monadic(Space** top, const Space* cell, Space* quads, signed char mode) {
     Op op;
     if constexpr (requires { op.tolerance; })
         op.tolerance = comparison_tolerance(quads);
-    Space& operand = **top;
-    if (!(operand.type & ISINPLACE) || operand.tag < tag::integer)
-        return run_monadic(table, &op, top, cell, quads, mode);
-    const int flops = operand.tag == tag::real ? scalar_single<double>(op, operand)
-                                               : scalar_single<std::int32_t>(op, operand);
-    if (flops < 0)
-        return run_monadic(table, &op, top, cell, quads, mode);
-    op_flops += flops;
-    count_operations(1);
+    run_monadic_with(table, op, top, cell, quads, mode);
 }
 
 } // namespace tessor

@@ -1,5 +1,6 @@
 #include "scalar/roads.h"
 
+#include <cmath>
 #include <cstring>
 
 namespace tessor {
@@ -13,11 +14,24 @@ struct View {
     Look look;
 };
 
+// One element that has a block of its own: a named constant.
+View view_of(const DataElement& element) {
+    const void* data = &element.real;
+    if (element.tag == tag::quaternion)
+        data = element.quaternion;
+    else if (element.tag == tag::octonion)
+        data = element.octonion;
+    const Storage storage = tag_storage(element.tag);
+    return {data, storage_tag(storage), storage, {element.form, element.marks}};
+}
+
 View view_of(const Space& space) {
     if (in_place(space))
         return {&space.real, space.tag, tag_storage(space.tag), {space.form, space.marks}};
     const void* block = space.data_pointer;
     const Layout layout = layout_of(block);
+    if (layout.storage == Storage::elements && space.elements == 1)
+        return view_of(*static_cast<const DataElement*>(block));
     return {block, storage_tag(layout.storage), layout.storage, {layout.form, layout.marks}};
 }
 
@@ -206,9 +220,46 @@ void run_packed(Frame& f, const Kernel& kernel, const View& left, const View& ri
         header_of(out.reused).layout = p.word(kernel.storage);
 }
 
+// Makes the view of a byte each: what is stored so, or a single number that such a byte can stand
+// for. The row of its kernels; 0: it can't be.
+int byte_row(View& view, bool single, const Rules& rules, std::uint8_t& byte) {
+    int row = 0;
+    if (of_bytes(view.storage)) {
+        row = view.storage == Storage::truth ? truth_row : degree_row;
+    } else if (single && view.storage == Storage::integer) {
+        const std::int32_t value = *static_cast<const std::int32_t*>(view.data);
+        byte = value > 0;
+        row = rules.truths || value == byte ? truth_row : 0;
+        view.data = &byte;
+    } else if (single && view.storage == Storage::real) {
+        const double value = *static_cast<const double*>(view.data);
+        const bool certain = rules.truths && !(value >= 0 && value <= 1);
+        byte = !(value < 1);
+        row = certain || value == 1 || (value == 0 && !std::signbit(value)) ? degree_row : 0;
+        view.data = &byte;
+    }
+    view.storage = Storage::character;
+    return row;
+}
+
+// The kernel that works on bytes, if one operand at least is stored so and the other can be.
+const Kernel* byte_kernel(const Frame& f, const DyadicVerb& verb, View& left, View& right,
+                          std::uint8_t (&bytes)[2]) {
+    if (!of_bytes(left.storage) && !of_bytes(right.storage))
+        return nullptr;
+    View l = left;
+    View r = right;
+    const int left_row = byte_row(l, f.left_single, *f.rules, bytes[0]);
+    const int right_row = byte_row(r, f.right_single, *f.rules, bytes[1]);
+    const Kernel* kernel = verb.kernels[left_row][right_row];
+    if (kernel) {
+        left = l;
+        right = r;
+    }
+    return kernel;
+}
+
 const Kernel* packed_kernel(const Frame& f, const DyadicVerb& verb, View& left, View& right) {
-    left = view_of(*f.left);
-    right = view_of(*f.right);
     if (f.rules->integers_as_reals && left.look.marks == 0) {
         if (of_both_kinds(left.storage) && right.tag == tag::real)
             left.tag = tag::real;
@@ -221,16 +272,28 @@ const Kernel* packed_kernel(const Frame& f, const DyadicVerb& verb, View& left, 
 } // namespace
 
 void packed_road(Frame& f, const DyadicVerb& verb, Outcome& out) {
-    View left;
-    View right;
-    const Kernel* kernel = packed_kernel(f, verb, left, right);
+    View left = view_of(*f.left);
+    View right = view_of(*f.right);
+    std::uint8_t bytes[2];
+    const Kernel* kernel = byte_kernel(f, verb, left, right, bytes);
+    if (!kernel)
+        kernel = packed_kernel(f, verb, left, right);
     if (kernel && !run_few(f, *kernel, left, right, out))
         run_packed(f, *kernel, left, right, out);
 }
 
 void packed_road(Frame& f, const MonadicVerb& verb, Outcome& out) {
-    const View view = view_of(*f.left);
-    if (const Kernel* kernel = verb.kernels[view.tag])
+    View view = view_of(*f.left);
+    const Kernel* const* kernels = verb.kernels_for(view.tag, view.look.form);
+    const Kernel* kernel = kernels[view.tag];
+    if (of_bytes(view.storage)) {
+        const int row = view.storage == Storage::truth ? truth_row : degree_row;
+        if (kernels[row]) {
+            kernel = kernels[row];
+            view.storage = Storage::character;
+        }
+    }
+    if (kernel)
         run_packed(f, *kernel, view, view, out);
 }
 

@@ -62,6 +62,20 @@ constexpr bool zero_from(const T& value, int first) {
     return zero;
 }
 
+// Elements of a byte each, in blocks that hold truth values only: loops that leave them so.
+
+/// An integer 0 or 1.
+struct Bit {
+    std::int8_t value;
+};
+/// A real truth degree that is exactly 0 or 1.
+struct Certainty {
+    std::int8_t value;
+};
+
+template <class T>
+concept ByteLike = std::same_as<T, Bit> || std::same_as<T, Certainty>;
+
 // Results beside the values themselves. A `misfit` below 0 says that the narrow form won't do, or
 // may not: loops gather these signs in as wide a word as the values have, so as to stay vector
 // code.
@@ -179,6 +193,24 @@ struct Stored<Truth> : StoredPlain<std::uint8_t, Storage::truth> {
     static void save(std::uint8_t* items, std::size_t i, Truth v) { items[i] = v.value; }
 };
 
+template <ByteLike T, Storage S>
+struct StoredByte : StoredPlain<std::int8_t, S> {
+    static T load(const std::int8_t* items, std::size_t i) { return {items[i]}; }
+    static void save(std::int8_t* items, std::size_t i, T v) { items[i] = v.value; }
+};
+
+template <>
+struct Stored<Bit> : StoredByte<Bit, Storage::truth> {
+    static Bit get(const Element& e) { return {e.integer != 0}; }
+    static void put(Element& e, Bit v) { Stored<std::int32_t>::put(e, v.value); }
+};
+
+template <>
+struct Stored<Certainty> : StoredByte<Certainty, Storage::degree> {
+    static Certainty get(const Element& e) { return {e.c[0] != 0}; }
+    static void put(Element& e, Certainty v) { Stored<double>::put(e, v.value); }
+};
+
 template <int N>
 inline constexpr std::int32_t hyper_tag = N == 2   ? tag::complex
                                           : N == 4 ? tag::quaternion
@@ -235,7 +267,8 @@ struct Stored<Promoted> {
     static bool fits(const Promoted& v) { return v.fits != 0; }
     static std::int32_t misfit(const Promoted& v) { return v.misfit; }
     static constexpr Promoted sample(bool integer) { return {0, 0, integer, 0}; }
-    static double wide(const Promoted& v) { return v.value; }
+    // An integer has no -0.0.
+    static double wide(const Promoted& v) { return v.value + 0.0; }
 };
 
 template <>
@@ -264,7 +297,8 @@ struct Stored<Quotient> {
         const bool within = (v.value >= 0) & (v.value <= largest_integer);
         items[i] = static_cast<std::int32_t>(within ? v.value : 0.0);
     }
-    static double wide(Quotient v) { return v.value; }
+    // An integer has no -0.0.
+    static double wide(Quotient v) { return v.value + 0.0; }
 };
 
 template <class Usual, class Other>

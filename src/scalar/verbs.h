@@ -14,6 +14,15 @@ namespace tessor {
 void conjugate(Space** top, const Space* cell, Space* quads, signed char mode);
 void negative(Space** top, const Space* cell, Space* quads, signed char mode);
 
+// monadic logic
+void not_(Space** top, const Space* cell, Space* quads, signed char mode);
+void boolean(Space** top, const Space* cell, Space* quads, signed char mode);
+void logical(Space** top, const Space* cell, Space* quads, signed char mode);
+void probably(Space** top, const Space* cell, Space* quads, signed char mode);
+void contradiction(Space** top, const Space* cell, Space* quads, signed char mode);
+void isboolean(Space** top, const Space* cell, Space* quads, signed char mode);
+void islogical(Space** top, const Space* cell, Space* quads, signed char mode);
+
 // dyadic arithmetic
 void add(Space** top, const Space* cell, Space* quads, signed char mode);
 void subtract(Space** top, const Space* cell, Space* quads, signed char mode);
@@ -22,6 +31,16 @@ void divide(Space** top, const Space* cell, Space* quads, signed char mode);
 void residue(Space** top, const Space* cell, Space* quads, signed char mode);
 void minimum(Space** top, const Space* cell, Space* quads, signed char mode);
 void maximum(Space** top, const Space* cell, Space* quads, signed char mode);
+
+// dyadic logic
+void and_(Space** top, const Space* cell, Space* quads, signed char mode);
+void or_(Space** top, const Space* cell, Space* quads, signed char mode);
+void nand(Space** top, const Space* cell, Space* quads, signed char mode);
+void nor(Space** top, const Space* cell, Space* quads, signed char mode);
+void strongand(Space** top, const Space* cell, Space* quads, signed char mode);
+void strongor(Space** top, const Space* cell, Space* quads, signed char mode);
+void strongnand(Space** top, const Space* cell, Space* quads, signed char mode);
+void strongnor(Space** top, const Space* cell, Space* quads, signed char mode);
 
 // comparison
 void identical(Space** top, const Space* cell, Space* quads, signed char mode);
@@ -43,6 +62,14 @@ long divide_in_place(Space* left, const Space* right, Space* quads);
 long residue_in_place(Space* left, const Space* right, Space* quads);
 long minimum_in_place(Space* left, const Space* right, Space* quads);
 long maximum_in_place(Space* left, const Space* right, Space* quads);
+long and_in_place(Space* left, const Space* right, Space* quads);
+long or_in_place(Space* left, const Space* right, Space* quads);
+long nand_in_place(Space* left, const Space* right, Space* quads);
+long nor_in_place(Space* left, const Space* right, Space* quads);
+long strongand_in_place(Space* left, const Space* right, Space* quads);
+long strongor_in_place(Space* left, const Space* right, Space* quads);
+long strongnand_in_place(Space* left, const Space* right, Space* quads);
+long strongnor_in_place(Space* left, const Space* right, Space* quads);
 long identical_in_place(Space* left, const Space* right, Space* quads);
 long notidentical_in_place(Space* left, const Space* right, Space* quads);
 long less_in_place(Space* left, const Space* right, Space* quads);

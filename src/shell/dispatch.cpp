@@ -26,6 +26,15 @@ namespace tessor {
 
 namespace {
 
+// A verb whose results may differ from run to run, whatever it draws: its operand tells so even if
+// the verb fails.
+template <Verb verb>
+Next drawing(Activation& run) {
+    run.top->type |= ISPROBABLE;
+    verb(&run.top, run.now, run.quads, 0);
+    return Next::advance;
+}
+
 struct BodyRow {
     op::Instruction instruction;
     Body body;
@@ -69,6 +78,8 @@ constexpr BodyRow body_rows[] = {
     {op::REEVALUATE, reevaluate},
     {op::YIELD, yield},
     {op::YIELDTO, yield_to},
+    // verbs that draw
+    {op::PROBABLY, drawing<probably>},
     // the run itself
     {op::NOOP, noop},
     {op::TRACE, trace},
@@ -109,6 +120,12 @@ struct VerbRow {
 constexpr VerbRow verb_rows[] = {
     {op::CONJUGATE, conjugate},
     {op::NEGATIVE, negative},
+    {op::NOT, not_},
+    {op::BOOLEAN, boolean},
+    {op::LOGICAL, logical},
+    {op::CONTRADICTION, contradiction},
+    {op::ISBOOLEAN, isboolean},
+    {op::ISLOGICAL, islogical},
     {op::ADD, add, add_in_place},
     {op::SUBTRACT, subtract, subtract_in_place},
     {op::MULTIPLY, multiply, multiply_in_place},
@@ -116,6 +133,14 @@ constexpr VerbRow verb_rows[] = {
     {op::RESIDUE, residue, residue_in_place},
     {op::MINIMUM, minimum, minimum_in_place},
     {op::MAXIMUM, maximum, maximum_in_place},
+    {op::AND, and_, and_in_place},
+    {op::OR, or_, or_in_place},
+    {op::NAND, nand, nand_in_place},
+    {op::NOR, nor, nor_in_place},
+    {op::STRONGAND, strongand, strongand_in_place},
+    {op::STRONGOR, strongor, strongor_in_place},
+    {op::STRONGNAND, strongnand, strongnand_in_place},
+    {op::STRONGNOR, strongnor, strongnor_in_place},
     {op::IDENTICAL, identical, identical_in_place},
     {op::NOTIDENTICAL, notidentical, notidentical_in_place},
     {op::LESS, less, less_in_place},

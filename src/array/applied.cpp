@@ -2,6 +2,7 @@
 
 #include "engine/calls.h"
 #include "io/writers/exception.h"
+#include "parallel/coprocessor.h"
 
 #include <algorithm>
 #include <limits>
@@ -37,20 +38,17 @@ Applied::Applied(Activation& run, const Space& function, std::uint32_t n)
 }
 
 void Applied::leave(int number) {
-    callee_.top = run_.top;
-    fail(number, &run_.top, run_.now);
+    fail(number, &callee_.top, run_.now);
 }
 
 Space& Applied::argument() {
-    if (run_.top > stacktop)
+    if (callee_.top > stacktop)
         leave(806);
-    Space& place = *++run_.top;
-    callee_.top = run_.top;
-    return place;
+    return *++callee_.top;
 }
 
 void Applied::next() {
-    Space* const began = run_.top;
+    Space* const began = callee_.top;
     if (locals_ > stacktop + 1 - began)
         leave(806);
     if (locals_ > 0)
@@ -58,18 +56,18 @@ void Applied::next() {
     Space* const floor = began + locals_;
     restart(callee_, began, floor, floor);
     callee_.own_locals = locals_ > 0;
-    run_.top = run_nested(callee_);
+    run_nested(callee_);
     callee_.own_locals = false;
     callee_.left = false;
-    if (run_.top >= began) {
-        take(*run_.top);
-        --run_.top;
+    wait_for_coprocessors();
+    if (callee_.top >= began) {
+        take(*callee_.top);
+        --callee_.top;
     } else {
         Space nothing;
         make_empty(nothing);
         take_enclosed(nothing);
     }
-    callee_.top = run_.top;
 }
 
 void Applied::take(Space& value) {
@@ -120,6 +118,7 @@ Space Applied::finish(Space frame) {
     frame.data_pointer = results_.finish();
     if (n != 0)
         settle_scalar(frame);
+    run_.top = callee_.top;
     callee_.left = true;
     return frame;
 }

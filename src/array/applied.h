@@ -19,13 +19,14 @@ public:
     Applied& operator=(const Applied&) = delete;
     ~Applied() = default;
 
+    /// The top of the stack until finish; that of `run` stands still meanwhile.
+    Space*& top() { return callee_.top; }
     /// Moves the top one up, for the next argument, and gives its place. 806 if there is none.
     Space& argument();
-    /// Runs the function on the argument and takes its topmost value. Others that it leaves stay
-    /// below the next argument.
+    /// Runs the function on the argument on top and takes its topmost value. Others that it leaves
+    /// stay there.
     void next();
-    /// The array, as a value in the frame of `frame`, whose shape it takes over. It has no data of
-    /// its own.
+    /// The array, in the frame that is given, of which it takes the shape over.
     Space finish(Space frame);
     /// Reports a number and throws ErrorJump.
     [[noreturn]] void leave(int number);
@@ -35,7 +36,7 @@ private:
     void take_enclosed(const Space& value);
 
     Activation& run_;
-    Activation callee_; ///< never marked as ended, so that a jump finds the top through it
+    Activation callee_; ///< marked as ended only by finish: a jump finds the top through it
     int locals_;
     ArrayBuilder results_;
     std::uint32_t kinds_ = 0;

@@ -1,6 +1,7 @@
 #include "shell/dispatch.h"
 
 #include "array/each.h"
+#include "array/mask.h"
 #include "array/reshape.h"
 #include "engine/branches.h"
 #include "engine/calls.h"
@@ -105,6 +106,7 @@ constexpr BodyRow body_rows[] = {
     {op::RANK, rank},
     {op::DEPTH, depth},
     // functions on arrays
+    {op::MASK, mask},
     {op::EACH, each},
     // output
     {op::OUTPUT, output},

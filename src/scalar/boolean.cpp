@@ -87,14 +87,28 @@ void decide_reals(const void* record, const Stretch& s, void* room, Tally& tally
 
 constexpr Kernel reals = with_loop<Boolean, double>(decide_reals);
 
+// Components without 0.5, in place or not.
+void pass_threshold(const double* x, double* items, std::size_t n) {
+    run_simd([=]() __attribute__((always_inline)) {
+#pragma GCC ivdep
+        for (std::size_t i = 0; i < n; ++i)
+            items[i] = x[i] < 0.5 ? 0.0 : 1.0;
+    });
+}
+
 // Hypercomplex numbers of a value that is probable already are alike; those of any other are up to
 // the first draw, with which the marks change.
 template <class T, bool probable>
 void decide_components(const void* record, const Stretch& s, void* room, Tally& tally) {
-    if (!probable && has_half(static_cast<const double*>(s.left), std::size_t{s.n} * width<T>))
-        tally.misfit = true;
-    else
+    const auto* x = static_cast<const double*>(s.left);
+    const std::size_t n = std::size_t{s.n} * width<T>;
+    tally = {};
+    if (!has_half(x, n))
+        pass_threshold(x, static_cast<double*>(room), n);
+    else if (probable)
         in_order<Boolean, T>(record, s, room, tally);
+    else
+        tally.misfit = true;
 }
 
 template <class T, bool probable>

@@ -17,6 +17,7 @@ struct Equivalence {
 
     static Truth apply(Character l, Character r) { return {(l.byte == r.byte) == Meaning::truth}; }
     static Truth apply(std::int32_t l, std::int32_t r) { return {(l == r) == Meaning::truth}; }
+    static Bit apply(Bit l, Bit r) { return {(l.value == r.value) == Meaning::truth}; }
     Degree apply(RealLike auto l, RealLike auto r) const {
         const auto x = static_cast<double>(l);
         const auto y = static_cast<double>(r);
@@ -41,6 +42,7 @@ struct Equivalence {
     }
 
     static int flops(Character, Character, Truth) { return 0; }
+    static int flops(Bit, Bit, Bit) { return 0; }
     template <Number L, Number R, class Out>
     static int flops(const L& l, const R& r, const Out&) {
         return comparison_flops(l, r);

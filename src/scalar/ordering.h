@@ -27,12 +27,14 @@ struct Ordering {
 
     static Truth apply(Character l, Character r) { return {Order::exact(l.byte, r.byte)}; }
     static Truth apply(std::int32_t l, std::int32_t r) { return {Order::exact(l, r)}; }
+    static Bit apply(Bit l, Bit r) { return {Order::exact(l.value, r.value)}; }
     template <Number L, Number R>
     Truth apply(const L& l, const R& r) const {
         return {Order::places(signed_magnitude(l) - signed_magnitude(r), tolerance)};
     }
 
     static int flops(Character, Character, Truth) { return 0; }
+    static int flops(Bit, Bit, Bit) { return 0; }
     template <Number L, Number R>
     static int flops(const L& l, const R& r, Truth) {
         return comparison_flops(l, r);

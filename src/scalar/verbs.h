@@ -13,6 +13,14 @@ namespace tessor {
 // monadic
 void conjugate(Space** top, const Space* cell, Space* quads, signed char mode);
 void negative(Space** top, const Space* cell, Space* quads, signed char mode);
+void factorial(Space** top, const Space* cell, Space* quads, signed char mode);
+
+// powers of a fixed base, and logarithms to one
+void pow2(Space** top, const Space* cell, Space* quads, signed char mode);
+void powe(Space** top, const Space* cell, Space* quads, signed char mode);
+void pow10(Space** top, const Space* cell, Space* quads, signed char mode);
+void ld(Space** top, const Space* cell, Space* quads, signed char mode);
+void log10(Space** top, const Space* cell, Space* quads, signed char mode);
 
 // monadic logic
 void not_(Space** top, const Space* cell, Space* quads, signed char mode);
@@ -31,6 +39,9 @@ void divide(Space** top, const Space* cell, Space* quads, signed char mode);
 void residue(Space** top, const Space* cell, Space* quads, signed char mode);
 void minimum(Space** top, const Space* cell, Space* quads, signed char mode);
 void maximum(Space** top, const Space* cell, Space* quads, signed char mode);
+void power(Space** top, const Space* cell, Space* quads, signed char mode);
+void logarithm(Space** top, const Space* cell, Space* quads, signed char mode);
+void binomial(Space** top, const Space* cell, Space* quads, signed char mode);
 
 // dyadic logic
 void and_(Space** top, const Space* cell, Space* quads, signed char mode);
@@ -62,6 +73,9 @@ long divide_in_place(Space* left, const Space* right, Space* quads);
 long residue_in_place(Space* left, const Space* right, Space* quads);
 long minimum_in_place(Space* left, const Space* right, Space* quads);
 long maximum_in_place(Space* left, const Space* right, Space* quads);
+long power_in_place(Space* left, const Space* right, Space* quads);
+long logarithm_in_place(Space* left, const Space* right, Space* quads);
+long binomial_in_place(Space* left, const Space* right, Space* quads);
 long and_in_place(Space* left, const Space* right, Space* quads);
 long or_in_place(Space* left, const Space* right, Space* quads);
 long nand_in_place(Space* left, const Space* right, Space* quads);

@@ -22,6 +22,9 @@ constexpr NamedVerb dyadic_verbs[] = {
     {"residue", residue},
     {"minimum", minimum},
     {"maximum", maximum},
+    {"power", power},
+    {"logarithm", logarithm},
+    {"binomial", binomial},
     {"less", less},
     {"notgreater", notgreater},
     {"equivalent", equivalent},
@@ -178,7 +181,7 @@ TEST(ScalarLayouts, MonadicVerbsSeeNoLayout) {
     std::vector<Data> every(std::begin(all_data), std::end(all_data));
     every.insert(every.end(), std::begin(data_of_degrees), std::end(data_of_degrees));
     for (const Data& data : every)
-        for (const Verb verb : {conjugate, negative, not_, boolean, logical, probably,
+        for (const Verb verb : {conjugate, negative, factorial, not_, boolean, logical, probably,
                                 contradiction, isboolean, islogical})
             for (const Shape shape : {Shape::array, Shape::one, Shape::scalar})
                 for (const bool held : {false, true}) {

@@ -41,16 +41,10 @@ struct Worker {
 std::deque<Worker> workers;     // number 0 is stream 1
 Job* to_coprocessors = nullptr; // null ends the workers
 constexpr int out_of_storage = 27;
-constexpr std::size_t operand_cells = 1024;
 
 // A wait that is over soon isn't worth a sleep, if there is a processor to wait on.
-int spins() {
-    static const int count = [] {
-        const long there = sysconf(_SC_NPROCESSORS_ONLN);
-        return there >= static_cast<long>(cpus) ? 4000 : 0;
-    }();
-    return count;
-}
+constexpr int patience = 4000;
+int spins = 0;
 
 void pause() {
 #if defined(__x86_64__)
@@ -59,7 +53,7 @@ void pause() {
 }
 
 void take(sem_t& semaphore) {
-    for (int i = spins(); i > 0; --i) {
+    for (int i = spins; i > 0; --i) {
         if (sem_trywait(&semaphore) == 0)
             return;
         pause();
@@ -101,8 +95,8 @@ void* vector_coprocessor_thread(void* given) {
     stream_index = worker.index;
     held_reports = &worker.reports;
     measure_native_stack();
-    std::vector<Space> operands(operand_cells);
-    stacktop = operands.data() + operand_cells - 2;
+    std::vector<Space> operands(worker_cells);
+    stacktop = operands.data() + worker_cells - 2;
     vector_coprocessor(worker);
     return nullptr;
 }
@@ -154,8 +148,8 @@ void print_reports(const Job& job) {
 } // namespace
 
 void start_coprocessors(std::uint32_t streams) {
-    cpus = streams;
     from_coprocessor.assign(1, {});
+    spins = sysconf(_SC_NPROCESSORS_ONLN) >= static_cast<long>(streams) ? patience : 0;
     const NoSignals none;
     for (std::uint32_t i = 1; i < streams; ++i) {
         Worker& worker = workers.emplace_back();

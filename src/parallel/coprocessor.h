@@ -13,7 +13,7 @@
 
 #include "values/space.h"
 
-#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -24,6 +24,9 @@ extern std::uint32_t cpus;       ///< streams started: the ceiling of PARALLEL
 extern std::uint32_t thrds;      ///< threads per processor
 /// Element count above which work is shared; 1001 for each stream at the start.
 extern std::int32_t MIN_PARALLEL;
+
+/// Cells of a worker's own value stack; the top but two is its stacktop.
+inline constexpr std::ptrdiff_t worker_cells = 1024;
 
 /// The stream that this thread is: 0 on the main thread.
 extern constinit thread_local std::uint32_t stream_index;

@@ -1,5 +1,5 @@
+#include "parallel/coprocessor.h"
 #include "scalar/roads.h"
-
 #include "values/native_stack.h"
 #include "values/refderef.h"
 
@@ -98,8 +98,8 @@ std::uint32_t run_elements(const Frame& f, const DyadicVerb& verb, ArrayBuilder&
     for (std::uint32_t i = results.size(); i < f.n; ++i) {
         if (i % stretch_length == 0)
             between_stretches(i);
-        const Element left = f.left_single ? first_left : element_at(*f.left, i);
-        const Element right = f.right_single ? first_right : element_at(*f.right, i);
+        const Element left = f.left_single ? first_left : element_at(*f.left, f.offset + i);
+        const Element right = f.right_single ? first_right : element_at(*f.right, f.offset + i);
         add(results, combined(f, verb, left, right, kinds));
     }
     return kinds;
@@ -131,7 +131,10 @@ Element transformed(const Frame& f, const MonadicVerb& verb, const Element& elem
             fail(806, f.top, f.cell);
         Copy copy(*element.subarray);
         Space* top = copy.get();
-        verb.verb(&top, f.cell, f.quads, f.keep ? 1 : 0);
+        const int mode = f.keep ? 1 : 0;
+        verb.verb(&top, f.cell, f.quads, static_cast<signed char>(f.slice ? mode - 2 : mode));
+        if (!f.slice)
+            wait_for_coprocessors();
         result.tag = tag::subarray;
         result.subarray = copy.enclosed();
         return result;
@@ -149,7 +152,7 @@ std::uint32_t run_elements(const Frame& f, const MonadicVerb& verb, ArrayBuilder
     for (std::uint32_t i = results.size(); i < f.n; ++i) {
         if (i % stretch_length == 0)
             between_stretches(i);
-        add(results, transformed(f, verb, element_at(*f.left, i)));
+        add(results, transformed(f, verb, element_at(*f.left, f.offset + i)));
     }
     return results.kinds();
 }
@@ -204,6 +207,12 @@ void run_road(const Frame& f, const VerbTable& verb, Outcome& out) {
     try {
         out.kinds = run_elements(f, verb, results);
     } catch (const ErrorJump&) {
+        if (f.slice) {
+            out.done = results.size();
+            out.kinds = results.kinds();
+            out.fresh = BlockHandle(results.finish());
+            throw;
+        }
         try {
             write_back(f, results);
         } catch (const OutOfStorage&) {

@@ -1,7 +1,6 @@
 #include "scalar/frame.h"
 
-#include "parallel/coprocessor.h"
-#include "scalar/roads.h"
+#include "scalar/shared_work.h"
 #include "values/refderef.h"
 
 namespace tessor {
@@ -43,11 +42,28 @@ void choose_target(Frame& f) {
     }
 }
 
-void start(Frame& f, signed char mode, std::uint32_t n) {
+// Whether workers are used.
+bool start(Frame& f, signed char mode, std::uint32_t n) {
     f.keep = (mode < 0 ? mode + 2 : mode) != 0;
-    if (mode >= 0 && processors > 1 && n >= processors
-        && static_cast<std::int32_t>(n) > MIN_PARALLEL)
-        wait_for_coprocessors();
+    if (mode < 0 || !parallel_worthy(n))
+        return false;
+    wait_for_coprocessors();
+    return true;
+}
+
+template <class VerbTable>
+void run_serial(Frame& f, const VerbTable& verb, Outcome& out) {
+    packed_road(f, verb, out);
+    if (out.done < f.n)
+        element_road(f, verb, out);
+}
+
+template <class VerbTable>
+void run_roads(Frame& f, const VerbTable& verb, Outcome& out) {
+    if (out.shared)
+        share(f, verb, out);
+    else
+        run_serial(f, verb, out);
 }
 
 void conform(Frame& f) {
@@ -65,8 +81,13 @@ void conform(Frame& f) {
     f.n = f.right_single ? f.left->elements : f.right->elements;
 }
 
+// Workers may still be reading it.
 void release_operand_data(const Space& operand, const Outcome& out) {
-    if (!in_place(operand) && operand.data_pointer && operand.data_pointer != out.reused)
+    if (in_place(operand) || !operand.data_pointer || operand.data_pointer == out.reused)
+        return;
+    if (out.shared)
+        keep_operand(operand.data_pointer, operand.elements);
+    else
         release_data(operand.data_pointer, operand.elements);
 }
 
@@ -107,7 +128,9 @@ void close(const Frame& f, Outcome& out) {
     result.data_pointer = out.reused ? out.reused : out.fresh.release();
     result.elements = f.n;
     result.type = (result.type & ~(0x407f40u | ISINPLACE)) | (f.joined & ISPROBABLE) | kinds;
-    if (result.rank == 0)
+    if (out.shared)
+        complete_later(result);
+    else if (result.rank == 0)
         settle_scalar(result);
     if (f.right)
         *f.top = f.left;
@@ -127,14 +150,13 @@ void run_dyadic(const DyadicVerb& verb, const void* op, Space** top, const Space
     Frame f{top, cell, quads, *top - 1, *top, &verb.rules, op, 0, 0};
     f.joined = f.left->type | f.right->type;
     op_flops = mode < 0 ? 0.0 : 1.0;
-    start(f, mode, std::max(f.left->elements, f.right->elements));
-    conform(f);
     Outcome out;
+    out.shared = start(f, mode, std::max(f.left->elements, f.right->elements));
+    conform(f);
+    out.shared = out.shared && f.n >= processors;
     if (f.n != 0) {
         choose_target(f);
-        packed_road(f, verb, out);
-        if (out.done < f.n)
-            element_road(f, verb, out);
+        run_roads(f, verb, out);
     }
     close(f, out);
 }
@@ -145,15 +167,13 @@ void run_monadic(const MonadicVerb& verb, const void* op, Space** top, const Spa
     if (operand->rank >= 0 && operand->elements == 0)
         return;
     Frame f{top, cell, quads, operand, nullptr, &verb.rules, op, operand->elements, operand->type};
-    start(f, mode, f.n);
+    Outcome out;
+    out.shared = start(f, mode, f.n);
     if (operand->rank < 0)
         fail(994, top, cell);
     if (!f.keep && lone(*operand))
         f.target = Target::left;
-    Outcome out;
-    packed_road(f, verb, out);
-    if (out.done < f.n)
-        element_road(f, verb, out);
+    run_roads(f, verb, out);
     close(f, out);
 }
 

@@ -88,12 +88,14 @@ struct DyadicVerb {
     Rules rules;
     const Kernel* kernels[rows][rows];
     VerbFunction verb;
+    std::size_t op_size = 0; ///< of the operation's record, which is copied freely
 };
 
 struct MonadicVerb {
     Rules rules;
     const Kernel* kernels[rows];
     VerbFunction verb;
+    std::size_t op_size = 0;
     const Kernel* others[rows]; ///< for elements of the forms that `other` names
     bool (*other)(std::int32_t tag, std::uint16_t form);
 

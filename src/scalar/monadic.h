@@ -122,7 +122,8 @@ constexpr void fill_singles(const Kernel* (&row)[rows]) {
 
 template <class Op>
 constexpr MonadicVerb monadic_verb(VerbFunction verb) {
-    MonadicVerb made{Op::rules, {}, verb, {}, nullptr};
+    MonadicVerb made{Op::rules, {}, verb, sizeof(Op), {}, nullptr};
+    static_assert(std::is_trivially_copyable_v<Op>);
     fill_singles<Op>(made.kernels);
     if constexpr (requires { typename Op::Other; }) {
         fill_singles<typename Op::Other>(made.others);

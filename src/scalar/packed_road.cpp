@@ -1,3 +1,4 @@
+#include "scalar/random.h"
 #include "scalar/roads.h"
 
 #include <cmath>
@@ -69,6 +70,14 @@ const void* values_from(const View& view, bool single, std::uint32_t first, std:
     return static_cast<const char*>(view.data) + from * item_size(view.storage);
 }
 
+// The kernel for operands, and the operands as its loops read them.
+struct Chosen {
+    const Kernel* kernel = nullptr;
+    View left;
+    View right;
+    std::uint8_t bytes[2]; ///< single operands that stand for a byte
+};
+
 struct Packed {
     Frame& f;
     const Kernel& kernel;
@@ -81,22 +90,16 @@ struct Packed {
         s.n = std::min(length, f.n - first);
         s.left_single = f.left_single;
         s.right_single = f.right_single;
-        s.left = values_from(left, f.left_single, first, s.n, scratch.left);
+        const std::uint32_t from = f.offset + first;
+        s.left = values_from(left, f.left_single, from, s.n, scratch.left);
         if (f.right)
-            s.right = values_from(right, f.right_single, first, s.n, scratch.right);
+            s.right = values_from(right, f.right_single, from, s.n, scratch.right);
         return s;
     }
     // Bytes are widened into a buffer first.
     bool through_buffer() const { return of_bytes(left.storage) || of_bytes(right.storage); }
     std::uint32_t word(Storage storage) const { return encode({storage, look.form, look.marks}); }
 };
-
-void* target_block(const Frame& f, Storage storage) {
-    if (f.target == Target::fresh)
-        return nullptr;
-    void* block = (f.target == Target::right ? f.right : f.left)->data_pointer;
-    return storage_of(block) == storage ? block : nullptr;
-}
 
 void count_flops(const Kernel& kernel, const Tally& tally, std::uint32_t n) {
     const std::uint64_t integers = std::uint64_t{tally.fits} * kernel.integer_flops;
@@ -107,9 +110,14 @@ void count_flops(const Kernel& kernel, const Tally& tally, std::uint32_t n) {
 constexpr std::size_t scratch_item = sizeof(std::int32_t);
 constexpr std::uint32_t probe_length = std::min(stretch_length, 32u);
 
+// Whether results can be formed in a buffer as long as they may be void.
+bool goes_over_operands(const Kernel& kernel) {
+    return !kernel.checked || item_size(kernel.storage) <= scratch_item;
+}
+
 void take_block(const Packed& p, Outcome& out) {
     const std::size_t item = item_size(p.kernel.storage);
-    if (!p.kernel.checked || item <= scratch_item)
+    if (goes_over_operands(p.kernel))
         out.reused = target_block(p.f, p.kernel.storage);
     if (!out.reused)
         out.fresh = BlockHandle(allocate_items(p.f.n, item, p.word(p.kernel.storage)));
@@ -121,13 +129,13 @@ void take_block(const Packed& p, Outcome& out) {
 void run_narrow(const Packed& p, Outcome& out) {
     const Frame& f = p.f;
     const std::size_t item = item_size(p.kernel.storage);
-    const bool probing = p.kernel.wide && f.n > probe_length;
-    if (!probing)
+    const bool probing = p.kernel.wide && f.n > probe_length && !out.place;
+    if (!probing && !out.place)
         take_block(p, out);
     while (out.done < f.n) {
         between_stretches(out.done);
         const bool probes = probing && out.done == 0;
-        const bool buffered = probes || (p.kernel.checked && out.reused);
+        const bool buffered = probes || (p.kernel.checked && (out.reused || out.over_operand));
         const bool straight = !buffered && !p.through_buffer();
         const Stretch s = p.stretch(out.done, probes     ? probe_length
                                               : straight ? long_stretch
@@ -149,19 +157,14 @@ void run_narrow(const Packed& p, Outcome& out) {
     out.kinds = kinds_of(p.kernel, storage_tag(p.kernel.storage), out.block(), f.n);
 }
 
-void widen_items(const void* from, Storage storage, double* to, std::uint32_t n) {
-    if (storage == Storage::integer)
-        std::copy_n(static_cast<const std::int32_t*>(from), n, to);
-    else
-        std::copy_n(static_cast<const std::uint8_t*>(from), n, to);
-}
-
 // The rest as doubles, behind what is done so far.
 void run_wide(const Packed& p, Outcome& out) {
     const Frame& f = p.f;
     const Storage storage = p.kernel.wide_storage;
-    BlockHandle wide(allocate_items(f.n, sizeof(double), p.word(storage)));
-    auto* items = wide.as<double>();
+    BlockHandle wide;
+    if (!out.wide_place)
+        wide = BlockHandle(allocate_items(f.n, sizeof(double), p.word(storage)));
+    auto* items = out.wide_place ? static_cast<double*>(out.place) : wide.as<double>();
     if (out.done)
         widen_items(out.block(), p.kernel.storage, items, out.done);
     out.reused = nullptr;
@@ -178,17 +181,21 @@ void run_wide(const Packed& p, Outcome& out) {
     }
     if (!of_both_kinds(storage))
         integers = 0;
-    if (integers == 0)
+    if (integers == 0 && wide)
         header_of(wide.get()).layout = p.word(Storage::real);
+    out.integers = static_cast<std::uint32_t>(integers);
     out.kinds = (integers != 0 ? HASINTEGER : 0u) | (integers != f.n ? HASREAL : 0u);
     out.fresh = std::move(wide);
 }
 
 // A few values into a fresh block: one loop, none of the seams. False: nothing is done yet.
-bool run_few(const Frame& f, const Kernel& kernel, const View& left, const View& right,
-             Outcome& out) {
+bool run_few(const Frame& f, const Chosen& chosen, Outcome& out) {
+    const Kernel& kernel = *chosen.kernel;
+    const View& left = chosen.left;
+    const View& right = chosen.right;
     constexpr std::uint32_t few = std::min(stretch_length, 256u);
-    if (f.n > few || f.target != Target::fresh || of_bytes(left.storage) || of_bytes(right.storage))
+    if (f.n > few || f.slice || f.target != Target::fresh || of_bytes(left.storage)
+        || of_bytes(right.storage))
         return false;
     Look look;
     if (!kernel.look(left.look, right.look, false, look) || (look.marks & ~packed_marks))
@@ -207,13 +214,22 @@ bool run_few(const Frame& f, const Kernel& kernel, const View& left, const View&
     return true;
 }
 
+// The look of the results, if loops can make them.
+bool look_of(const Frame& f, const Chosen& chosen, Look& look) {
+    return chosen.kernel
+           && chosen.kernel->look(chosen.left.look, chosen.right.look, f.target == Target::right,
+                                  look)
+           && !(look.marks & ~packed_marks);
+}
+
 // Runs packed loops as far as they go; done is f.n if that is to the end.
-void run_packed(Frame& f, const Kernel& kernel, const View& left, const View& right, Outcome& out) {
-    Packed p{f, kernel, left, right, {}};
-    const bool over_right = f.target == Target::right;
-    if (!kernel.look(left.look, right.look, over_right, p.look) || (p.look.marks & ~packed_marks))
+void run_packed(Frame& f, const Chosen& chosen, Outcome& out) {
+    const Kernel& kernel = *chosen.kernel;
+    Packed p{f, kernel, chosen.left, chosen.right, {}};
+    if (!look_of(f, chosen, p.look))
         return;
-    run_narrow(p, out);
+    if (!out.wide_place)
+        run_narrow(p, out);
     if (out.done < f.n && kernel.wide)
         run_wide(p, out);
     if (out.done == f.n && out.reused)
@@ -269,32 +285,89 @@ const Kernel* packed_kernel(const Frame& f, const DyadicVerb& verb, View& left, 
     return verb.kernels[left.tag][right.tag];
 }
 
-} // namespace
-
-void packed_road(Frame& f, const DyadicVerb& verb, Outcome& out) {
-    View left = view_of(*f.left);
-    View right = view_of(*f.right);
-    std::uint8_t bytes[2];
-    const Kernel* kernel = byte_kernel(f, verb, left, right, bytes);
-    if (!kernel)
-        kernel = packed_kernel(f, verb, left, right);
-    if (kernel && !run_few(f, *kernel, left, right, out))
-        run_packed(f, *kernel, left, right, out);
+void choose(const Frame& f, const DyadicVerb& verb, Chosen& chosen) {
+    chosen.left = view_of(*f.left);
+    chosen.right = view_of(*f.right);
+    chosen.kernel = byte_kernel(f, verb, chosen.left, chosen.right, chosen.bytes);
+    if (!chosen.kernel)
+        chosen.kernel = packed_kernel(f, verb, chosen.left, chosen.right);
 }
 
-void packed_road(Frame& f, const MonadicVerb& verb, Outcome& out) {
+void choose(const Frame& f, const MonadicVerb& verb, Chosen& chosen) {
     View view = view_of(*f.left);
     const Kernel* const* kernels = verb.kernels_for(view.tag, view.look.form);
-    const Kernel* kernel = kernels[view.tag];
+    chosen.kernel = kernels[view.tag];
     if (of_bytes(view.storage)) {
         const int row = view.storage == Storage::truth ? truth_row : degree_row;
         if (kernels[row]) {
-            kernel = kernels[row];
+            chosen.kernel = kernels[row];
             view.storage = Storage::character;
         }
     }
-    if (kernel)
-        run_packed(f, *kernel, view, view, out);
+    chosen.left = chosen.right = view;
+}
+
+// Tries the first few results. Draws made for that are taken back.
+Forecast forecast(Frame& f, const Chosen& chosen) {
+    Forecast found;
+    if (!look_of(f, chosen, found.look))
+        return found;
+    const Kernel& kernel = *chosen.kernel;
+    Tally tally;
+    if (kernel.wide) {
+        const Packed p{f, kernel, chosen.left, chosen.right, found.look};
+        const std::int32_t seed = prngs_seed;
+        kernel.narrow(f.op, p.stretch(0, probe_length), scratch.items, tally);
+        prngs_seed = seed;
+    }
+    found.wide = tally.misfit;
+    found.storage = found.wide ? kernel.wide_storage : kernel.storage;
+    found.wide_storage = kernel.wide_storage;
+    found.over_operand =
+        !found.wide && goes_over_operands(kernel) && target_block(f, kernel.storage) != nullptr;
+    return found;
+}
+
+} // namespace
+
+void* target_block(const Frame& f, Storage storage) {
+    if (f.target == Target::fresh)
+        return nullptr;
+    void* block = (f.target == Target::right ? f.right : f.left)->data_pointer;
+    return storage_of(block) == storage ? block : nullptr;
+}
+
+void widen_items(const void* from, Storage storage, double* to, std::uint32_t n) {
+    if (storage == Storage::integer)
+        std::copy_n(static_cast<const std::int32_t*>(from), n, to);
+    else
+        std::copy_n(static_cast<const std::uint8_t*>(from), n, to);
+}
+
+Forecast forecast(Frame& f, const DyadicVerb& verb) {
+    Chosen chosen;
+    choose(f, verb, chosen);
+    return forecast(f, chosen);
+}
+
+Forecast forecast(Frame& f, const MonadicVerb& verb) {
+    Chosen chosen;
+    choose(f, verb, chosen);
+    return forecast(f, chosen);
+}
+
+void packed_road(Frame& f, const DyadicVerb& verb, Outcome& out) {
+    Chosen chosen;
+    choose(f, verb, chosen);
+    if (chosen.kernel && !run_few(f, chosen, out))
+        run_packed(f, chosen, out);
+}
+
+void packed_road(Frame& f, const MonadicVerb& verb, Outcome& out) {
+    Chosen chosen;
+    choose(f, verb, chosen);
+    if (chosen.kernel)
+        run_packed(f, chosen, out);
 }
 
 } // namespace tessor

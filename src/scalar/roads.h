@@ -28,6 +28,8 @@ struct Frame {
     bool right_single = false;
     bool keep = false; ///< no operand block may be overwritten
     Target target = Target::fresh;
+    bool slice = false;       ///< a part of a result that several threads make
+    std::uint32_t offset = 0; ///< what stands before the slice in the operands
 };
 
 /// A result in the making.
@@ -36,9 +38,31 @@ struct Outcome {
     void* reused = nullptr; ///< that of the operand which is overwritten
     std::uint32_t done = 0;
     std::uint32_t kinds = 0;
+    std::uint32_t integers = 0; ///< of doubles that stand for two kinds of number
+    bool shared = false;        ///< workers are making it too
 
-    void* block() const { return reused ? reused : fresh.get(); }
+    // A slice has its place in a block that others write too, for as long as its results fit there.
+    void* place = nullptr;
+    bool wide_place = false; ///< room for what the wide loop makes
+    bool over_operand = false;
+
+    void* block() const { return reused ? reused : fresh ? fresh.get() : place; }
 };
+
+/// What the packed road is going to make, as far as the first few results tell.
+struct Forecast {
+    Storage storage = Storage::elements; ///< elements: the element road makes all
+    Storage wide_storage = Storage::elements;
+    bool wide = false;         ///< doubles from the start
+    bool over_operand = false; ///< in the block of the operand that is written over
+    Look look;
+};
+Forecast forecast(Frame& f, const DyadicVerb& verb);
+Forecast forecast(Frame& f, const MonadicVerb& verb);
+/// The block of the operand that is written over, if it can hold such results; else null.
+void* target_block(const Frame& f, Storage storage);
+/// Items of a packed block of integers or truth bytes, as doubles.
+void widen_items(const void* from, Storage storage, double* to, std::uint32_t n);
 
 inline bool in_place(const Space& space) {
     return (space.type & ISINPLACE) != 0;

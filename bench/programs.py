@@ -132,6 +132,58 @@ COUNT run
         "gs": "COUNT {\n" + "1 2 add pop\n" * UNROLLED + "} repeat\n",
     },
     {
+        "what": "EACH of a one-line function", "turns": N, "each": 1, "target": 1.0,
+        "tessor": "(1)[COUNT] MONADIC 1 + ; EACH DISCARD .\n",
+        "python": "after = lambda x: x + 1\nmade = [after(x) for x in [1] * COUNT]\n",
+        "lua": """
+local function after(x) return x + 1 end
+local made = {}
+for i = 1, COUNT do made[i] = after(1) end
+""",
+    },
+    {
+        "what": "MASK of 3 by 3, around a torus", "turns": 20, "each": 10_000, "target": 1.0,
+        "tessor": """
+(1 2 3)[100 100] @DATA SET (1 2 1 2 4 2 1 2 1)[3 3] @WEIGHTS SET
+COUNT : DATA WEIGHTS MONADIC DISCARD 1 ; WRAP MASK DISCARD ; REPEAT .
+""",
+        "python": """
+data = [[(x + y) % 3 + 1 for x in range(100)] for y in range(100)]
+weights = [(1, 2, 1), (2, 4, 2), (1, 2, 1)]
+def masked(function):
+    for y in range(100):
+        rows = data[y - 1], data[y], data[(y + 1) % 100]
+        for x in range(100):
+            at = x - 1, x, (x + 1) % 100
+            function([weight * row[i] for row, line in zip(rows, weights)
+                      for i, weight in zip(at, line)])
+for _ in range(COUNT):
+    masked(lambda around: 1)
+""",
+        "lua": """
+local data, weights = {}, {{1, 2, 1}, {2, 4, 2}, {1, 2, 1}}
+for y = 1, 100 do
+    data[y] = {}
+    for x = 1, 100 do data[y][x] = (x + y) % 3 + 1 end
+end
+local function masked(f)
+    for y = 1, 100 do
+        for x = 1, 100 do
+            local around = {}
+            for j = 1, 3 do
+                local row, line = data[(y + j - 3) % 100 + 1], weights[j]
+                for i = 1, 3 do
+                    around[#around + 1] = line[i] * row[(x + i - 3) % 100 + 1]
+                end
+            end
+            f(around)
+        end
+    end
+end
+for _ = 1, COUNT do masked(function() return 1 end) end
+""",
+    },
+    {
         "what": "RESULT of a remembered argument", "turns": N, "each": 1, "target": None,
         "tessor": "MONADIC 2 * ; @DOUBLE SET COUNT : 7 DOUBLE RESULT DISCARD ; REPEAT .\n",
         "python": """

@@ -41,10 +41,12 @@ void Applied::leave(int number) {
     fail(number, &callee_.top, run_.now);
 }
 
-Space& Applied::argument() {
-    if (callee_.top > stacktop)
-        leave(806);
-    return *++callee_.top;
+inline void Applied::take(Space& value) {
+    kinds_ |= value.type & gathered_kinds;
+    if (value.type & ISINPLACE)
+        results_.add_in_place(value);
+    else
+        take_other(value);
 }
 
 void Applied::next() {
@@ -70,16 +72,8 @@ void Applied::next() {
     }
 }
 
-void Applied::take(Space& value) {
-    kinds_ |= value.type & gathered_kinds;
-    if (value.type & ISINPLACE) {
-        if (value.tag == tag::integer && value.marks == 0)
-            results_.add_integer(value.integer, value.form);
-        else if (value.tag == tag::real && value.marks == 0)
-            results_.add_real(value.real, value.form);
-        else
-            results_.add(element_at(value, 0));
-    } else if (value.rank > 0) {
+void Applied::take_other(Space& value) {
+    if (value.rank > 0) {
         take_enclosed(value);
     } else if (value.rank == 0 && value.data_pointer) {
         results_.add_copies(value.data_pointer, 1);

@@ -22,7 +22,11 @@ public:
     /// The top of the stack until finish; that of `run` stands still meanwhile.
     Space*& top() { return callee_.top; }
     /// Moves the top one up, for the next argument, and gives its place. 806 if there is none.
-    Space& argument();
+    Space& argument() {
+        if (callee_.top > stacktop)
+            leave(806);
+        return *++callee_.top;
+    }
     /// Runs the function on the argument on top and takes its topmost value. Others that it leaves
     /// stay there.
     void next();
@@ -33,6 +37,7 @@ public:
 
 private:
     void take(Space& value);
+    void take_other(Space& value);
     void take_enclosed(const Space& value);
 
     Activation& run_;

@@ -32,6 +32,7 @@ ArrayBuilder& ArrayBuilder::operator=(ArrayBuilder&& other) noexcept {
         expected_ = std::exchange(other.expected_, 0);
         word_ = std::exchange(other.word_, 0);
         kinds_ = std::exchange(other.kinds_, 0);
+        look_ = std::exchange(other.look_, 0);
     }
     return *this;
 }
@@ -47,6 +48,7 @@ void ArrayBuilder::clear() noexcept {
     size_ = 0;
     capacity_ = 0;
     kinds_ = 0;
+    look_ = 0;
 }
 
 void ArrayBuilder::grow(std::uint64_t capacity) {
@@ -77,6 +79,7 @@ void ArrayBuilder::to_elements() {
     release_block(block_);
     block_ = wide.release();
     word_ = 0;
+    look_ = 0;
     capacity_ = block_capacity(block_) / sizeof(DataElement);
 }
 
@@ -144,6 +147,11 @@ void ArrayBuilder::add(const Element& element) {
     }
     ++size_;
     kinds_ |= kind_bit(element.tag);
+}
+
+void ArrayBuilder::add_unlike(const Space& scalar) {
+    add(element_at(scalar, 0));
+    look_ = word_ != 0 ? get_word(scalar, 3) : 0;
 }
 
 // The items of a packed block, in one piece.

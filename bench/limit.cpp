@@ -1,5 +1,7 @@
 #include "limit.h"
 
+#include <cmath>
+
 namespace bench {
 
 namespace {
@@ -81,6 +83,18 @@ struct Negation {
         return static_cast<decltype(truth(a))>(1 - truth(a));
     }
 };
+struct Square {
+    static double of(double a, double) { return a * a; }
+};
+struct Root {
+    static double of(double, double b) { return std::sqrt(b); }
+};
+struct Power {
+    static double of(double, double b) { return std::pow(b, 1.5); }
+};
+struct Logarithm {
+    static double of(double, double b) { return std::log(b) / std::log(10.0); }
+};
 
 template <class F, class T>
 using Result = decltype(F::of(T{}, T{}));
@@ -104,11 +118,12 @@ void with_scalar(const void* left, const void* right, void* result, std::size_t 
 }
 
 template <class F, class T>
-void alone(const void* left, const void*, void* result, std::size_t n) {
+void alone(const void* left, const void* right, void* result, std::size_t n) {
     const T* __restrict a = static_cast<const T*>(left);
+    const T* __restrict b = static_cast<const T*>(right);
     auto* __restrict r = static_cast<Result<F, T>*>(result);
     for (std::size_t i = 0; i < n; ++i)
-        r[i] = F::of(a[i], T{});
+        r[i] = F::of(a[i], b[i]);
 }
 
 void complex_product(const double* a, const double* b, double* __restrict r) {
@@ -152,9 +167,13 @@ Limit pick_verb(const Work& work) {
     case Verb::maximum: return pick<Maximum, T>(work.scalar);
     case Verb::conjunction: return pick<Conjunction, T>(work.scalar);
     case Verb::disjunction: return pick<Disjunction, T>(work.scalar);
-    case Verb::negation: break;
+    case Verb::negation: return {alone<Negation, T>, sizeof(Result<Negation, T>)};
+    case Verb::square: return {alone<Square, T>, sizeof(double)};
+    case Verb::root: return {alone<Root, T>, sizeof(double)};
+    case Verb::power: return {alone<Power, T>, sizeof(double)};
+    case Verb::logarithm: break;
     }
-    return {alone<Negation, T>, sizeof(Result<Negation, T>)};
+    return {alone<Logarithm, T>, sizeof(double)};
 }
 
 } // namespace

@@ -14,8 +14,9 @@ namespace bench {
 namespace {
 
 constexpr const char* type_names[] = {"int32", "float64", "complex128", "bool"};
-constexpr const char* verb_names[] = {"add",     "subtract", "multiply", "divide", "less", "equal",
-                                      "minimum", "maximum",  "and",      "or",     "not"};
+constexpr const char* verb_names[] = {"add",   "subtract", "multiply", "divide", "less",
+                                      "equal", "minimum",  "maximum",  "and",    "or",
+                                      "not",   "square",   "root",     "power",  "logarithm"};
 
 [[noreturn]] void give_up(const char* why) {
     std::fprintf(stderr, "NumPy: %s\n", why);

@@ -15,7 +15,10 @@ VERBS = {"add": operator.add, "subtract": operator.sub, "multiply": operator.mul
          "divide": operator.truediv, "less": operator.lt, "equal": operator.eq,
          "minimum": numpy.minimum, "maximum": numpy.maximum,
          "and": numpy.logical_and, "or": numpy.logical_or,
-         "not": lambda left, right: numpy.logical_not(left)}
+         "not": lambda left, right: numpy.logical_not(left),
+         "square": lambda left, right: left ** 2, "root": lambda left, right: numpy.sqrt(right),
+         "power": lambda left, right: right ** 1.5,
+         "logarithm": lambda left, right: numpy.log(right) / numpy.log(10)}
 # Degrees of truth, which are taken as they are.
 DEGREES = {"and": numpy.minimum, "or": numpy.maximum, "not": lambda left, right: 1 - left}
 SCALARS = {"int32": 7, "float64": 7.5, "complex128": 7.5 + 7.5j, "bool": numpy.True_}

@@ -63,8 +63,9 @@ std::string scalar_text(Type type) {
 }
 
 const char* verb_text(Verb verb) {
-    constexpr const char* texts[] = {"ADD",     "SUBTRACT", "MULTIPLY", "DIVIDE", "LESS", "EQUAL",
-                                     "MINIMUM", "MAXIMUM",  "AND",      "OR",     "NOT"};
+    constexpr const char* texts[] = {"ADD",   "SUBTRACT", "MULTIPLY", "DIVIDE",    "LESS",
+                                     "EQUAL", "MINIMUM",  "MAXIMUM",  "AND",       "OR",
+                                     "NOT",   "SQUARE",   "SQRT",     "1.5 POWER", "10 LOG"};
     return texts[static_cast<int>(verb)];
 }
 

@@ -16,6 +16,7 @@ void bind_array(const char* name, Type type, std::size_t n, bool left);
 
 /// The scalar on the right, as it is written in a sentence.
 std::string scalar_text(Type type);
+/// The verb as it is written behind its operands, with what belongs to it.
 const char* verb_text(Verb verb);
 
 /// A sentence compiled once.

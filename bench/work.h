@@ -18,8 +18,16 @@ enum class Verb {
     maximum,
     conjunction,
     disjunction,
-    negation, ///< of the left operand
+    negation, ///< of the left operand, and so on
+    square,
+    root, ///< of the right operand, which isn't negative, and so on
+    power,
+    logarithm,
 };
+
+constexpr bool of_one(Verb verb) {
+    return verb >= Verb::negation;
+}
 
 struct Work {
     Type type;

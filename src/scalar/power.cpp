@@ -109,25 +109,30 @@ struct Bases {
     double operator[](std::size_t i) const { return static_cast<double>(items[i]); }
 };
 
+// What the product p lacks of x * x: halves of x have exact products.
+[[gnu::always_inline]] inline double split_error(double x, double p) {
+    const double scaled = 134217729.0 * x;
+    const double high = scaled - (scaled - x);
+    const double low = x - high;
+    return ((high * high - p) + 2 * high * low) + low * low;
+}
+
 // x * x is what pow gives wherever it is clear of the middle between two doubles: pow errs by less
 // than 0.515 units in the last place for results of this size.
 struct Square {
     double value;
-    bool doubtful;
+    std::int64_t doubtful; ///< below 0
 };
+template <bool fused>
 [[gnu::always_inline]] inline Square square_of(double x) {
     constexpr double largest = 0x1p100;
     constexpr double clear = 0.485 * 0x1p-52;
     const double p = x * x;
-    const double scaled = 134217729.0 * x; // splits x into halves whose products are exact
-    const double high = scaled - (scaled - x);
-    const double low = x - high;
-    const double error = ((high * high - p) + 2 * high * low) + low * low;
-    const auto exponent = std::bit_cast<std::uint64_t>(p) & 0x7ff0000000000000u;
-    const double unit = std::bit_cast<double>(exponent);
-    const bool exact =
-        (p >= 1 / largest) & (p <= largest) & ((error < 0 ? -error : error) <= unit * clear);
-    return {p, !(exact | (x == 0))};
+    const double error = fused ? __builtin_fma(x, x, -p) : split_error(x, p);
+    const auto exponent = std::bit_cast<std::int64_t>(p) & 0x7ff0000000000000;
+    const double allowed = std::bit_cast<double>(exponent) * clear;
+    const bool surely = (p >= 1 / largest) & (p <= largest) & (__builtin_fabs(error) <= allowed);
+    return {p, surely | (x == 0) ? 0 : -1};
 }
 
 // The compiler must not see the 2, or it makes the product of it.
@@ -135,34 +140,79 @@ struct Square {
     return std::pow(x, two);
 }
 
-constexpr std::uint32_t square_block = 512;
+// Squares by the processor's vectors. With `doubts`, each of them is noted; false: none.
+template <bool fused, class L>
+bool square_loop(Bases<L> bases, std::uint32_t n, double* powers, std::int64_t* doubts) {
+    std::int64_t any = 0;
+    std::int64_t* out = &any;
+    run_simd([=]() __attribute__((always_inline)) {
+        std::int64_t found = 0;
+        if (doubts) {
+#pragma GCC ivdep
+            for (std::uint32_t i = 0; i < n; ++i) {
+                const Square square = square_of<fused>(bases[i]);
+                powers[i] = square.value;
+                doubts[i] = square.doubtful;
+                found |= square.doubtful;
+            }
+        } else {
+#pragma GCC ivdep
+            for (std::uint32_t i = 0; i < n; ++i) {
+                const Square square = square_of<fused>(bases[i]);
+                powers[i] = square.value;
+                found |= square.doubtful;
+            }
+        }
+        *out = found;
+    });
+    return any != 0;
+}
 
 template <class L>
-void square_few(Bases<L> bases, std::uint32_t n, double* powers) {
-    alignas(64) std::uint8_t doubts[square_block];
-    std::uint8_t* doubtful = doubts;
-    run_simd([=]() __attribute__((always_inline)) {
-#pragma GCC ivdep
-        for (std::uint32_t i = 0; i < n; ++i) {
-            const Square square = square_of(bases[i]);
-            powers[i] = square.value;
-            doubtful[i] = square.doubtful;
-        }
-    });
-    for (std::uint32_t i = 0; i < n; ++i)
-        if (doubtful[i])
-            powers[i] = library_square(bases[i], 2.0);
+bool square_vectors(Bases<L> bases, std::uint32_t n, double* powers, std::int64_t* doubts) {
+    return simd_level == SimdLevel::baseline ? square_loop<false>(bases, n, powers, doubts)
+                                             : square_loop<true>(bases, n, powers, doubts);
+}
+
+// Asks the library where there are doubts; n is a multiple of eight.
+template <class L>
+void settle_doubts(Bases<L> bases, std::uint32_t n, double* powers, const std::int64_t* doubts) {
+    for (std::uint32_t group = 0; group < n; group += 8) {
+        std::int64_t any = 0;
+        for (std::uint32_t i = group; i < group + 8; ++i)
+            any |= doubts[i];
+        if (any == 0)
+            continue;
+        for (std::uint32_t i = group; i < group + 8; ++i)
+            if (doubts[i] != 0)
+                powers[i] = library_square(bases[i], 2.0);
+    }
 }
 
 template <class L>
 struct Loops {
     static Bases<L> bases(const Stretch& s) { return {static_cast<const L*>(s.left)}; }
 
-    // Squares.
+    // Short bases leave no doubts, and noting them costs half of the time: a block takes after the
+    // one before it.
     static void square(const Stretch& s, double* powers) {
-        for (std::uint32_t done = 0; done < s.n; done += square_block)
-            square_few<L>({bases(s).items + done}, std::min(square_block, s.n - done),
-                          powers + done);
+        constexpr std::uint32_t block = 512;
+        alignas(64) std::int64_t doubts[block];
+        const std::uint32_t n = s.n / 8 * 8;
+        bool doubtful = false;
+        for (std::uint32_t done = 0; done < n; done += block) {
+            const Bases<L> x{bases(s).items + done};
+            const std::uint32_t some = std::min(block, n - done);
+            double* to = powers + done;
+            const bool noted = doubtful;
+            doubtful = square_vectors(x, some, to, noted ? doubts : nullptr);
+            if (doubtful && !noted)
+                square_vectors(x, some, to, doubts);
+            if (doubtful)
+                settle_doubts(x, some, to, doubts);
+        }
+        for (std::uint32_t i = n; i < s.n; ++i)
+            powers[i] = library_square(bases(s)[i], 2.0);
     }
     static void root(const Stretch& s, double* powers, bool& misfit) {
         const Bases<L> x = bases(s);
@@ -178,16 +228,36 @@ struct Loops {
             *out = below < 0;
         });
     }
+    // Any power: true where bases below 0 or exponents of their own kind ask for more than pow.
+    template <bool one_exponent>
+    static bool unusual(const Stretch& s) {
+        const Bases<L> x = bases(s);
+        const auto* e = static_cast<const double*>(s.right);
+        const std::uint32_t n = s.n;
+        bool found = false;
+        bool* out = &found;
+        run_simd([=]() __attribute__((always_inline)) {
+            std::int64_t any = 0;
+            for (std::uint32_t i = 0; i < n; ++i) {
+                any |= x[i] < 0 ? -1 : 0;
+                if constexpr (!one_exponent)
+                    any |= (e[i] == third) | (e[i] == 0.5) ? -1 : 0;
+            }
+            *out = any != 0;
+        });
+        return found;
+    }
     static void general(const Stretch& s, double e, double* powers, bool& misfit) {
         const Bases<L> x = bases(s);
-        const bool roots = !whole(e);
-        for (std::uint32_t i = 0; i < s.n; ++i) {
-            if (roots && x[i] < 0) {
-                misfit = true;
-                return;
-            }
+        misfit = !whole(e) && unusual<true>(s);
+        for (std::uint32_t i = 0; i < s.n && !misfit; ++i)
             powers[i] = std::pow(x[i], e);
-        }
+    }
+    static void usual(const Stretch& s, double* powers) {
+        const Bases<L> x = bases(s);
+        const auto* e = static_cast<const double*>(s.right);
+        for (std::uint32_t i = 0; i < s.n; ++i)
+            powers[i] = std::pow(x[i], e[i]);
     }
 
     template <class R>
@@ -209,13 +279,19 @@ struct Loops {
     }
 };
 
-// The kernel of two real types that looks at the exponent first.
+// The loop of two real types that looks at the exponents first.
 template <class L, class R>
 void run_real(const void* op, const Stretch& s, void* room, Tally& tally) {
-    if (s.right_single && static_cast<double>(*static_cast<const R*>(s.right)) != third)
-        Loops<L>::template run<R>(op, s, room, tally);
-    else
-        Pair<Power, L, R>::template run<false>(op, s, room, tally);
+    if (s.right_single) {
+        if (static_cast<double>(*static_cast<const R*>(s.right)) != third)
+            return Loops<L>::template run<R>(op, s, room, tally);
+    } else if constexpr (std::same_as<R, double>) {
+        if (!s.left_single && !Loops<L>::template unusual<false>(s)) {
+            tally = {s.n, s.n, false};
+            return Loops<L>::usual(s, static_cast<double*>(room));
+        }
+    }
+    Pair<Power, L, R>::template run<false>(op, s, room, tally);
 }
 
 template <class L, class R>

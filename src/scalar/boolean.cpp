@@ -8,7 +8,7 @@ namespace {
 // 0.5 belongs to neither side: it is drawn for, and the value then is a probable one.
 struct Boolean {
     static constexpr Rules rules{.counted = monadic_counted};
-    Space* value;
+    bool probable; ///< the operand is
 
     using Other = AsMeant;
     static bool other(std::int32_t tag, std::uint16_t form) {
@@ -18,7 +18,7 @@ struct Boolean {
     bool decide(double x) const {
         if (x != 0.5)
             return !(x < 0.5);
-        value->type |= ISPROBABLE;
+        drawn = true;
         return draw(x, &prngs_seed);
     }
 
@@ -42,7 +42,7 @@ struct Boolean {
     // The mark of a probable value is told by what was drawn so far.
     template <Hypercomplex T>
     Look look(const T&, Look operand) const {
-        return components_look<T>(operand, (value->type & ISPROBABLE) != 0);
+        return components_look<T>(operand, probable || drawn);
     }
     template <Hypercomplex T>
     static Look components_look(Look operand, bool probable) {
@@ -122,6 +122,18 @@ constexpr Kernel components = [] {
     return kernel;
 }();
 
+// A subarray's draws aren't those of the array around it.
+class OwnDraws {
+public:
+    OwnDraws() { drawn = false; }
+    OwnDraws(const OwnDraws&) = delete;
+    OwnDraws& operator=(const OwnDraws&) = delete;
+    ~OwnDraws() { drawn = outer_; }
+
+private:
+    bool outer_ = drawn;
+};
+
 template <bool probable>
 constexpr MonadicVerb table = [] {
     MonadicVerb made = monadic_verb<Boolean>(boolean);
@@ -135,8 +147,12 @@ constexpr MonadicVerb table = [] {
 } // namespace
 
 void boolean(Space** top, const Space* cell, Space* quads, signed char mode) {
-    const MonadicVerb& verb = (*top)->type & ISPROBABLE ? table<true> : table<false>;
-    run_monadic_with(verb, Boolean{*top}, top, cell, quads, mode);
+    const bool probable = ((*top)->type & ISPROBABLE) != 0;
+    const OwnDraws own;
+    run_monadic_with(probable ? table<true> : table<false>, Boolean{probable}, top, cell, quads,
+                     mode);
+    if (drawn)
+        (*top)->type |= ISPROBABLE;
 }
 
 } // namespace tessor

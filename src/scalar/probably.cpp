@@ -39,14 +39,14 @@ struct Probably {
 };
 
 template <class T>
-constexpr Kernel drawn = with_loop<Probably, T>(in_order<Probably, T>);
+constexpr Kernel deciding = with_loop<Probably, T>(in_order<Probably, T>);
 
 constexpr MonadicVerb table = [] {
     MonadicVerb made = monadic_verb<Probably>(probably);
-    made.kernels[tag::real] = &drawn<double>;
-    made.kernels[tag::complex] = &drawn<Complex>;
-    made.kernels[tag::quaternion] = &drawn<Quaternion>;
-    made.kernels[tag::octonion] = &drawn<Octonion>;
+    made.kernels[tag::real] = &deciding<double>;
+    made.kernels[tag::complex] = &deciding<Complex>;
+    made.kernels[tag::quaternion] = &deciding<Quaternion>;
+    made.kernels[tag::octonion] = &deciding<Octonion>;
     return made;
 }();
 

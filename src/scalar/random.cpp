@@ -26,6 +26,7 @@ std::int32_t base_value(std::int32_t value) {
 } // namespace
 
 constinit thread_local std::int32_t prngs_seed = default_seed;
+constinit thread_local bool drawn = false;
 
 // Schrage's way of stepping: the product never leaves 32 bits.
 std::int32_t PRNGS(std::int32_t* seed) {

@@ -8,6 +8,9 @@ namespace tessor {
 /// The seed of this thread.
 extern constinit thread_local std::int32_t prngs_seed;
 
+/// A verb under way on this thread has drawn for a result that isn't always drawn for.
+extern constinit thread_local bool drawn;
+
 /// Steps the seed and returns its new value, 1 to 2147483647.
 std::int32_t PRNGS(std::int32_t* seed);
 

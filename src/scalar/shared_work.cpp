@@ -1,6 +1,7 @@
 #include "scalar/shared_work.h"
 
 #include "parallel/slices.h"
+#include "scalar/random.h"
 #include "values/refderef.h"
 
 #include <array>
@@ -88,10 +89,13 @@ void run_stream(ScalarJob& job, std::uint32_t stream, Space** top) {
     part = place_of(job, slice.first);
     if (f.n == 0)
         return;
+    drawn = false;
     if (job.dyadic)
         run_part(job, f, *job.dyadic, part);
     else
         run_part(job, f, *job.monadic, part);
+    if (drawn)
+        part.kinds |= ISPROBABLE;
 }
 
 // A worker's recursion into subarrays works on a stack of its own. The kinds of the right operand

@@ -314,7 +314,7 @@ constexpr void put_row(const Kernel* (&row)[rows]) {
 }
 
 constexpr DyadicVerb power_table = [] {
-    DyadicVerb table{Power::rules, {}, power};
+    DyadicVerb table{Power::rules, {}, power, sizeof(Power)};
     put_row<std::int32_t>(table.kernels[tag::integer]);
     put_row<double>(table.kernels[tag::real]);
     put_row<Complex>(table.kernels[tag::complex]);

@@ -194,6 +194,7 @@ std::uint32_t join_doubles(const ScalarJob& job, BlockHandle& joined) {
 std::uint32_t join_elements(const ScalarJob& job, BlockHandle& joined) {
     ArrayBuilder all(job.count);
     std::uint32_t kinds = 0;
+    bool told = true; // the slices know their kinds better than the tags do
     for (std::uint32_t i = 0; i < job.streams; ++i) {
         const Outcome& part = job.parts[i];
         const Slice slice = slice_of(job.count, job.streams, i);
@@ -204,10 +205,12 @@ std::uint32_t join_elements(const ScalarJob& job, BlockHandle& joined) {
             all.add_copies(block.get(), part.done);
         }
         kinds |= part.kinds;
+        told = told && part.kinds != 0 && all.size() == slice.end;
         while (all.size() < slice.end)
             all.add_integer(0);
     }
-    kinds |= all.kinds();
+    if (!told)
+        kinds |= all.kinds();
     joined = BlockHandle(all.finish());
     return kinds;
 }

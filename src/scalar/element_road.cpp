@@ -66,6 +66,9 @@ int refusal(const Rules& rules, const Element& left, const Element& right) {
 
 Element combined(const Frame& f, const DyadicVerb& verb, const Element& left, const Element& right,
                  std::uint32_t& kinds) {
+    if (verb.refuses)
+        if (const int number = verb.refuses(*f.left, left, right))
+            fail(number, f.top, f.cell);
     if (left.tag == tag::subarray || right.tag == tag::subarray) {
         kinds |= kind_bit(tag::subarray);
         return recurse(f, verb, left, right);

@@ -149,7 +149,7 @@ void run_dyadic(const DyadicVerb& verb, const void* op, Space** top, const Space
                 Space* quads, signed char mode) {
     Frame f{top, cell, quads, *top - 1, *top, &verb.rules, op, 0, 0};
     f.joined = f.left->type | f.right->type;
-    op_flops = mode < 0 ? 0.0 : 1.0;
+    op_flops = mode < 0 && !verb.rules.nested_flop ? 0.0 : 1.0;
     Outcome out;
     out.shared = start(f, mode, std::max(f.left->elements, f.right->elements));
     conform(f);

@@ -80,6 +80,10 @@ struct Rules {
     bool integers_as_reals = true;
     /// Nothing of a number counts but its truth, a degree from 0 to 1.
     bool truths = false;
+    /// So does an integer on the left or alone, whatever stands on the right.
+    bool left_as_reals = false;
+    /// A call by the verb itself, for a subarray, counts the flop of the verb too.
+    bool nested_flop = false;
 };
 
 using VerbFunction = void (*)(Space** top, const Space* cell, Space* quads, signed char mode);
@@ -89,6 +93,9 @@ struct DyadicVerb {
     const Kernel* kernels[rows][rows];
     VerbFunction verb;
     std::size_t op_size = 0; ///< of the operation's record, which is copied freely
+    /// What a verb with an order of its own has against two elements of its operands, before all
+    /// else: the number to report, or 0. Null: nothing.
+    int (*refuses)(const Space& holder, const Element& left, const Element& right) = nullptr;
 };
 
 struct MonadicVerb {

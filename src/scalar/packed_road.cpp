@@ -276,6 +276,8 @@ const Kernel* byte_kernel(const Frame& f, const DyadicVerb& verb, View& left, Vi
 }
 
 const Kernel* packed_kernel(const Frame& f, const DyadicVerb& verb, View& left, View& right) {
+    if (f.rules->left_as_reals && of_both_kinds(left.storage))
+        left.tag = tag::real;
     if (f.rules->integers_as_reals && left.look.marks == 0) {
         if (of_both_kinds(left.storage) && right.tag == tag::real)
             left.tag = tag::real;
@@ -295,6 +297,8 @@ void choose(const Frame& f, const DyadicVerb& verb, Chosen& chosen) {
 
 void choose(const Frame& f, const MonadicVerb& verb, Chosen& chosen) {
     View view = view_of(*f.left);
+    if (f.rules->left_as_reals && of_both_kinds(view.storage))
+        view.tag = tag::real;
     const Kernel* const* kernels = verb.kernels_for(view.tag, view.look.form);
     chosen.kernel = kernels[view.tag];
     if (of_bytes(view.storage)) {

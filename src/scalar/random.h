@@ -14,6 +14,9 @@ extern constinit thread_local bool drawn;
 /// Steps the seed and returns its new value, 1 to 2147483647.
 std::int32_t PRNGS(std::int32_t* seed);
 
+/// The next n values, as n steps give them.
+void PRNGS_row(std::int32_t* seed, std::int32_t* values, std::uint32_t n);
+
 /// Seeds the stream of a thread: by the value if it is above 0, by the usual constant if it is 0,
 /// by the clock if it is below.
 void SEED_PRNGS(int thread_index, std::int32_t* seed, std::int32_t value);

@@ -21,6 +21,9 @@ void powe(Space** top, const Space* cell, Space* quads, signed char mode);
 void pow10(Space** top, const Space* cell, Space* quads, signed char mode);
 void ld(Space** top, const Space* cell, Space* quads, signed char mode);
 void log10(Space** top, const Space* cell, Space* quads, signed char mode);
+/// Draws from prngs_seed; what they leave is ISPROBABLE.
+void roll(Space** top, const Space* cell, Space* quads, signed char mode);
+void Random(Space** top, const Space* cell, Space* quads, signed char mode);
 
 // monadic logic
 void not_(Space** top, const Space* cell, Space* quads, signed char mode);
@@ -37,6 +40,8 @@ void subtract(Space** top, const Space* cell, Space* quads, signed char mode);
 void multiply(Space** top, const Space* cell, Space* quads, signed char mode);
 void divide(Space** top, const Space* cell, Space* quads, signed char mode);
 void residue(Space** top, const Space* cell, Space* quads, signed char mode);
+/// The function with the number on the right, -7 to 7, of what is on the left: else number 85.
+void circular(Space** top, const Space* cell, Space* quads, signed char mode);
 void minimum(Space** top, const Space* cell, Space* quads, signed char mode);
 void maximum(Space** top, const Space* cell, Space* quads, signed char mode);
 void power(Space** top, const Space* cell, Space* quads, signed char mode);
@@ -71,6 +76,7 @@ long subtract_in_place(Space* left, const Space* right, Space* quads);
 long multiply_in_place(Space* left, const Space* right, Space* quads);
 long divide_in_place(Space* left, const Space* right, Space* quads);
 long residue_in_place(Space* left, const Space* right, Space* quads);
+long circular_in_place(Space* left, const Space* right, Space* quads);
 long minimum_in_place(Space* left, const Space* right, Space* quads);
 long maximum_in_place(Space* left, const Space* right, Space* quads);
 long power_in_place(Space* left, const Space* right, Space* quads);

@@ -1,11 +1,11 @@
 #include "shell/console.h"
 
 #include "engine/machine.h"
+#include "engine/seeding.h"
 #include "engine/signals.h"
 #include "frontend/symtab.h"
 #include "io/writers/exception.h"
 #include "parallel/coprocessor.h"
-#include "scalar/random.h"
 #include "shell/dispatch.h"
 #include "shell/options.h"
 #include "shell/version.h"
@@ -139,7 +139,7 @@ double start(const Options& options) {
     if (!options.quiet)
         exception(0, nullptr, nullptr);
     start_streams(pool, options.quiet);
-    SEED_PRNGS(0, &prngs_seed, -1);
+    seed_streams(seed_by_clock, Space{});
     verbs = 0;
     return starttime;
 }

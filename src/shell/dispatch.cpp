@@ -14,6 +14,7 @@
 #include "engine/machine.h"
 #include "engine/memo.h"
 #include "engine/names.h"
+#include "engine/seeding.h"
 #include "engine/stack.h"
 #include "engine/streams.h"
 #include "engine/terminal.h"
@@ -97,6 +98,9 @@ constexpr BodyRow body_rows[] = {
     {op::SERIAL, serial},
     {op::EDIT, edit},
     {op::STREAMEDIT, streamedit},
+    // the generator
+    {op::SEED, seed},
+    {op::RANDOMISE, randomise},
     // functions as text
     {op::ASSEMBLE, assemble},
     {op::DISASSEMBLE, disassemble},
@@ -129,6 +133,8 @@ constexpr VerbRow verb_rows[] = {
     {op::CONTRADICTION, contradiction},
     {op::ISBOOLEAN, isboolean},
     {op::ISLOGICAL, islogical},
+    {op::ROLL, roll},
+    {op::RANDOM, Random},
     {op::POW2, pow2},
     {op::POWE, powe},
     {op::POW10, pow10},
@@ -143,6 +149,7 @@ constexpr VerbRow verb_rows[] = {
     {op::MAXIMUM, maximum, maximum_in_place},
     {op::POWER, power, power_in_place},
     {op::LOGARITHM, logarithm, logarithm_in_place},
+    {op::CIRCULAR, circular, circular_in_place},
     {op::BINOMIAL, binomial, binomial_in_place},
     {op::AND, and_, and_in_place},
     {op::OR, or_, or_in_place},

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace tessor {
 namespace {
@@ -29,6 +30,19 @@ TEST(Random, AgreesWithTheProductModuloTheModulus) {
         expected = expected * 48271 % 2147483647;
         ASSERT_EQ(static_cast<std::uint64_t>(PRNGS(&seed)), expected);
     }
+}
+
+TEST(Random, DrawsRowsAsOneByOne) {
+    std::vector<std::int32_t> row(5000);
+    for (const std::int32_t start : {1, 0, 2147483646, -7})
+        for (const std::uint32_t n : {0u, 1u, 31u, 32u, 33u, 64u, 100u, 5000u}) {
+            std::int32_t seed = start;
+            std::int32_t row_seed = start;
+            PRNGS_row(&row_seed, row.data(), n);
+            for (std::uint32_t i = 0; i < n; ++i)
+                ASSERT_EQ(row[i], PRNGS(&seed)) << start << " at " << i;
+            EXPECT_EQ(row_seed, seed);
+        }
 }
 
 TEST(Random, SeedsEachThreadApart) {

@@ -25,6 +25,7 @@ constexpr NamedVerb dyadic_verbs[] = {
     {"power", power},
     {"logarithm", logarithm},
     {"binomial", binomial},
+    {"circular", circular},
     {"less", less},
     {"notgreater", notgreater},
     {"equivalent", equivalent},
@@ -58,6 +59,8 @@ const Data all_data[] = {
      many({character('a', form::binary), character('\x81', form::binary)})},
     {"bits", Storage::truth,
      many({integer(1, form::boolean), integer(0, form::boolean), integer(1, form::boolean)})},
+    {"function numbers", Storage::integer,
+     many({integer(1), integer(-7), integer(0), integer(-3), integer(4), integer(7)})},
     {"integers", Storage::integer,
      many({integer(3), integer(-7), integer(0), integer(12), integer(4)})},
     {"large integers", Storage::integer,
@@ -181,8 +184,8 @@ TEST(ScalarLayouts, MonadicVerbsSeeNoLayout) {
     std::vector<Data> every(std::begin(all_data), std::end(all_data));
     every.insert(every.end(), std::begin(data_of_degrees), std::end(data_of_degrees));
     for (const Data& data : every)
-        for (const Verb verb : {conjugate, negative, factorial, not_, boolean, logical, probably,
-                                contradiction, isboolean, islogical})
+        for (const Verb verb : {conjugate, negative, roll, Random, factorial, not_, boolean,
+                                logical, probably, contradiction, isboolean, islogical})
             for (const Shape shape : {Shape::array, Shape::one, Shape::scalar})
                 for (const bool held : {false, true}) {
                     std::string results[2];

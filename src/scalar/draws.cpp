@@ -64,7 +64,7 @@ void row(const From* from, const std::int32_t* values, To* to, std::uint32_t n) 
 }
 
 template <class Op>
-double drawn(double x) {
+double drawn_part(double x) {
     if (Op::skips && !has_range(x))
         return std::numeric_limits<double>::quiet_NaN();
     return Op::of(PRNGS(&prngs_seed), x);
@@ -86,7 +86,7 @@ bool draw_items(const From* from, To* to, std::size_t n) {
             row<Op>(from + i, values, to + i, length);
         } else if constexpr (std::same_as<From, double>) {
             for (std::uint32_t k = 0; k < length; ++k)
-                to[i + k] = drawn<Op>(from[i + k]);
+                to[i + k] = drawn_part<Op>(from[i + k]);
         } else {
             return false;
         }
@@ -138,7 +138,7 @@ struct Drawn {
             Stored<Result>::put(result, Op::of(PRNGS(&prngs_seed), operand.integer));
         } else {
             for (std::uint32_t i = 0; i < parts; ++i)
-                result.c[i] = drawn<Op>(operand.c[i]);
+                result.c[i] = drawn_part<Op>(operand.c[i]);
         }
         op_flops += flops;
         return 0;

@@ -7,7 +7,7 @@ namespace {
 
 // 0.5 belongs to neither side: it is drawn for, and the value then is a probable one.
 struct Boolean {
-    static constexpr Rules rules{.counted = monadic_counted};
+    static constexpr Rules rules{.counted = monadic_counted, .draws = true};
     bool probable; ///< the operand is
 
     using Other = AsMeant;

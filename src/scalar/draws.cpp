@@ -158,8 +158,12 @@ struct Drawn {
 
 template <class Op>
 constexpr MonadicVerb drawing_verb(VerbFunction verb) {
-    MonadicVerb made{
-        Rules{.counted = monadic_counted, .left_as_reals = !Op::skips}, {}, verb, 0, {}, nullptr};
+    MonadicVerb made{Rules{.counted = monadic_counted, .left_as_reals = !Op::skips, .draws = true},
+                     {},
+                     verb,
+                     0,
+                     {},
+                     nullptr};
     made.kernels[tag::ascii] = &Drawn<Op, Character>::kernel;
     made.kernels[tag::integer] = &Drawn<Op, std::int32_t>::kernel;
     made.kernels[tag::real] = &Drawn<Op, double>::kernel;

@@ -170,7 +170,7 @@ constexpr void fill_row(const Kernel* (&row)[rows]) {
 template <class Op>
 constexpr DyadicVerb dyadic_verb(VerbFunction verb) {
     DyadicVerb made{Op::rules, {}, verb, sizeof(Op)};
-    static_assert(std::is_trivially_copyable_v<Op>);
+    static_assert(std::is_trivially_copyable_v<Op> && sizeof(Op) <= most_op_bytes);
     fill_row<Op, Character>(made.kernels[tag::ascii]);
     fill_row<Op, std::int32_t>(made.kernels[tag::integer]);
     fill_row<Op, double>(made.kernels[tag::real]);

@@ -11,9 +11,16 @@ bool subarrays_allowed(const Space& space) {
     return (space.type & (COMPLEXED | STRUCTURED)) != 0;
 }
 
+bool on_worker(const Frame& f) {
+    return f.slice && stream_index != 0;
+}
+
 void check_subarray(const Frame& f, const Space& holder, const Element& element) {
-    if (element.tag == tag::subarray && !subarrays_allowed(holder))
-        fail(991, f.top, f.cell);
+    if (element.tag != tag::subarray || subarrays_allowed(holder))
+        return;
+    if (on_worker(f))
+        exception(991, f.top, f.cell);
+    fail(on_worker(f) ? 994 : 991, f.top, f.cell);
 }
 
 // Puts an operand of a recursion on the stack. A simple element becomes a scalar that goes under
@@ -76,7 +83,7 @@ Element combined(const Frame& f, const DyadicVerb& verb, const Element& left, co
     const Kernel* kernel =
         in_table(left.tag) && in_table(right.tag) ? verb.kernels[left.tag][right.tag] : nullptr;
     if (!kernel)
-        fail(refusal(*f.rules, left, right), f.top, f.cell);
+        fail(on_worker(f) ? 994 : refusal(*f.rules, left, right), f.top, f.cell);
     Element result;
     if (const int number = kernel->element(f.op, left, right, f.target == Target::right, result))
         fail(number, f.top, f.cell);

@@ -60,9 +60,8 @@ void run_serial(Frame& f, const VerbTable& verb, Outcome& out) {
 
 template <class VerbTable>
 void run_roads(Frame& f, const VerbTable& verb, Outcome& out) {
-    if (out.shared)
-        share(f, verb, out);
-    else
+    out.shared = out.shared && share(f, verb, out);
+    if (!out.shared)
         run_serial(f, verb, out);
 }
 

@@ -84,15 +84,21 @@ struct Rules {
     bool left_as_reals = false;
     /// A call by the verb itself, for a subarray, counts the flop of the verb too.
     bool nested_flop = false;
+    /// Results depend on draws, and so on the thread that makes them.
+    bool draws = false;
 };
 
 using VerbFunction = void (*)(Space** top, const Space* cell, Space* quads, signed char mode);
+
+/// The most that an operation's record may take.
+inline constexpr std::size_t most_op_bytes = 64;
 
 struct DyadicVerb {
     Rules rules;
     const Kernel* kernels[rows][rows];
     VerbFunction verb;
-    std::size_t op_size = 0; ///< of the operation's record, which is copied freely
+    std::size_t op_size =
+        0; ///< of the operation's record, which is copied freely; 0: it is permanent
     /// What a verb with an order of its own has against two elements of its operands, before all
     /// else: the number to report, or 0. Null: nothing.
     int (*refuses)(const Space& holder, const Element& left, const Element& right) = nullptr;

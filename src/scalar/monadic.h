@@ -123,7 +123,7 @@ constexpr void fill_singles(const Kernel* (&row)[rows]) {
 template <class Op>
 constexpr MonadicVerb monadic_verb(VerbFunction verb) {
     MonadicVerb made{Op::rules, {}, verb, sizeof(Op), {}, nullptr};
-    static_assert(std::is_trivially_copyable_v<Op>);
+    static_assert(std::is_trivially_copyable_v<Op> && sizeof(Op) <= most_op_bytes);
     fill_singles<Op>(made.kernels);
     if constexpr (requires { typename Op::Other; }) {
         fill_singles<typename Op::Other>(made.others);

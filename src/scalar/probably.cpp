@@ -6,7 +6,7 @@ namespace tessor {
 namespace {
 
 struct Probably {
-    static constexpr Rules rules{.counted = monadic_counted};
+    static constexpr Rules rules{.counted = monadic_counted, .draws = true};
 
     static constexpr bool open(double x) { return 0 < x && x < 1; }
     bool decide(double x) const { return open(x) ? draw(x, &prngs_seed) : !(x <= 0); }

@@ -13,7 +13,12 @@ namespace tessor {
 
 namespace {
 
-constexpr std::size_t most_op_bytes = 64;
+// A packed loop over fewer elements is done before a worker has woken up.
+#ifdef TESSOR_TIGHT
+constexpr std::uint32_t least_shared = 0;
+#else
+constexpr std::uint32_t least_shared = 1 << 15;
+#endif
 
 struct Kept {
     void* block;
@@ -96,6 +101,11 @@ void run_stream(ScalarJob& job, std::uint32_t stream, Space** top) {
         run_part(job, f, *job.monadic, part);
     if (drawn)
         part.kinds |= ISPROBABLE;
+}
+
+// Who makes an element shows only in draws, and in what threads are reported to have done.
+bool pays(const ScalarJob& job) {
+    return !is_packed(job) || job.count >= least_shared || job.frame.rules->draws || opstime;
 }
 
 // A worker's recursion into subarrays works on a stack of its own. The kinds of the right operand
@@ -273,7 +283,7 @@ void take_place(ScalarJob& job, Frame& f, Outcome& out) {
 }
 
 template <class VerbTable>
-void run_shared(ScalarJob& job, Frame& f, const VerbTable& verb, Outcome& out) {
+bool run_shared(ScalarJob& job, Frame& f, const VerbTable& verb, Outcome& out) {
     job.run = run_on_worker;
     job.collect = collect;
     job.cell = f.cell ? *f.cell : Space{};
@@ -285,8 +295,11 @@ void run_shared(ScalarJob& job, Frame& f, const VerbTable& verb, Outcome& out) {
     job.frame.left = &job.left;
     job.frame.right = f.right ? &job.right : nullptr;
     job.frame.cell = &job.cell;
-    job.frame.op = std::memcpy(job.op.data(), f.op, verb.op_size);
+    if (verb.op_size != 0) // else what there is of it is permanent
+        job.frame.op = std::memcpy(job.op.data(), f.op, verb.op_size);
     job.forecast = forecast(job.frame, verb);
+    if (!pays(job))
+        return false;
     job.parts.resize(std::max<std::size_t>(job.parts.size(), cpus));
     take_place(job, job.frame, out);
     publish(job);
@@ -297,22 +310,23 @@ void run_shared(ScalarJob& job, Frame& f, const VerbTable& verb, Outcome& out) {
         throw;
     }
     out.kinds = job.parts[0].kinds;
+    return true;
 }
 
 } // namespace
 
-void share(Frame& f, const DyadicVerb& verb, Outcome& out) {
+bool share(Frame& f, const DyadicVerb& verb, Outcome& out) {
     ScalarJob& job = the_job();
     job.dyadic = &verb;
     job.monadic = nullptr;
-    run_shared(job, f, verb, out);
+    return run_shared(job, f, verb, out);
 }
 
-void share(Frame& f, const MonadicVerb& verb, Outcome& out) {
+bool share(Frame& f, const MonadicVerb& verb, Outcome& out) {
     ScalarJob& job = the_job();
     job.dyadic = nullptr;
     job.monadic = &verb;
-    run_shared(job, f, verb, out);
+    return run_shared(job, f, verb, out);
 }
 
 void keep_operand(void* block, std::uint32_t n) {

@@ -12,9 +12,10 @@ namespace tessor {
 
 /// Publishes the job of a verb whose frame is set up, and runs the main thread's slice. The outcome
 /// has the block that results go to as far as they fit, or none. If that slice fails, the workers
-/// are waited for, and the operands are left as in a serial run.
-void share(Frame& f, const DyadicVerb& verb, Outcome& out);
-void share(Frame& f, const MonadicVerb& verb, Outcome& out);
+/// are waited for, and the operands are left as in a serial run. False: it isn't worth the while,
+/// and nothing is done yet.
+bool share(Frame& f, const DyadicVerb& verb, Outcome& out);
+bool share(Frame& f, const MonadicVerb& verb, Outcome& out);
 
 /// What the close of the verb leaves to the job: the data of an operand that the slices still read,
 void keep_operand(void* block, std::uint32_t n);

@@ -9,6 +9,7 @@
 //     refuses(x, Look)     the number to report for an element that looks like this; 0: none
 //     Other                an operation without state that takes its place for the elements that
 //     other(tag, form)     tells
+//     unusual_look(x, result, Look)  the look of a result that isn't of the usual type
 // A look that depends on the state of the operation belongs to each element.
 #pragma once
 
@@ -79,6 +80,13 @@ struct Single {
         return Op::flops(T{}, Stored<Out>::sample(integer));
     }
 
+    static Look look_of(const Op& op, const T& x, const Out& out, const Look& operand) {
+        if constexpr (requires { op.unusual_look(x, out, operand); })
+            if (!out.is_usual)
+                return op.unusual_look(x, out, operand);
+        return op.look(x, operand);
+    }
+
     static int element(const void* record, const Element& operand, const Element&, bool,
                        Element& result) {
         const Op op = operation(record);
@@ -90,7 +98,7 @@ struct Single {
         if (const int number = fault_of(out))
             return number;
         op_flops += static_cast<double>(op.flops(x, out));
-        const Look found = op.look(x, operand_look);
+        const Look found = look_of(op, x, out, operand_look);
         Stored<Out>::put(result, out);
         result.form = found.form;
         result.marks = found.marks;

@@ -13,7 +13,29 @@ namespace tessor {
 // monadic
 void conjugate(Space** top, const Space* cell, Space* quads, signed char mode);
 void negative(Space** top, const Space* cell, Space* quads, signed char mode);
+void signum(Space** top, const Space* cell, Space* quads, signed char mode);
+void direction(Space** top, const Space* cell, Space* quads, signed char mode);
+void reciprocal(Space** top, const Space* cell, Space* quads, signed char mode);
+void magnitude(Space** top, const Space* cell, Space* quads, signed char mode);
+void binary(Space** top, const Space* cell, Space* quads, signed char mode);
+void number(Space** top, const Space* cell, Space* quads, signed char mode);
+void polar(Space** top, const Space* cell, Space* quads, signed char mode);
+void deg(Space** top, const Space* cell, Space* quads, signed char mode);
+void rad(Space** top, const Space* cell, Space* quads, signed char mode);
+void cartesian(Space** top, const Space* cell, Space* quads, signed char mode);
+void floor(Space** top, const Space* cell, Space* quads, signed char mode);
+void ceiling(Space** top, const Space* cell, Space* quads, signed char mode);
+void truncate(Space** top, const Space* cell, Space* quads, signed char mode);
+void exponential(Space** top, const Space* cell, Space* quads, signed char mode);
+void naturallog(Space** top, const Space* cell, Space* quads, signed char mode);
+void pitimes(Space** top, const Space* cell, Space* quads, signed char mode);
 void factorial(Space** top, const Space* cell, Space* quads, signed char mode);
+
+// tests of the form
+void isbinary(Space** top, const Space* cell, Space* quads, signed char mode);
+void isnumber(Space** top, const Space* cell, Space* quads, signed char mode);
+void iscartesian(Space** top, const Space* cell, Space* quads, signed char mode);
+void ispolar(Space** top, const Space* cell, Space* quads, signed char mode);
 
 // powers of a fixed base, and logarithms to one
 void pow2(Space** top, const Space* cell, Space* quads, signed char mode);

@@ -184,8 +184,12 @@ TEST(ScalarLayouts, MonadicVerbsSeeNoLayout) {
     std::vector<Data> every(std::begin(all_data), std::end(all_data));
     every.insert(every.end(), std::begin(data_of_degrees), std::end(data_of_degrees));
     for (const Data& data : every)
-        for (const Verb verb : {conjugate, negative, roll, Random, factorial, not_, boolean,
-                                logical, probably, contradiction, isboolean, islogical})
+        for (const Verb verb :
+             {conjugate,  negative,  roll,          Random,    factorial,   not_,       boolean,
+              logical,    probably,  contradiction, isboolean, islogical,   signum,     direction,
+              reciprocal, magnitude, binary,        number,    polar,       deg,        rad,
+              cartesian,  floor,     ceiling,       truncate,  exponential, naturallog, pitimes,
+              isbinary,   isnumber,  iscartesian,   ispolar})
             for (const Shape shape : {Shape::array, Shape::one, Shape::scalar})
                 for (const bool held : {false, true}) {
                     std::string results[2];

@@ -86,15 +86,7 @@ void Applied::take_other(Space& value) {
 }
 
 void Applied::take_enclosed(const Space& value) {
-    Element element;
-    element.tag = tag::subarray;
-    element.subarray = enclose(value);
-    try {
-        results_.add(element);
-    } catch (...) {
-        free_block(element.subarray); // the value stays where it was
-        throw;
-    }
+    results_.add_enclosed(value);
     kinds_ |= (value.type & gathered_kinds) | STRUCTURED | ISSTRUCTURE;
     depth_ = std::max(depth_, value.depth + 1);
 }

@@ -14,8 +14,8 @@ inline constexpr int tolerance_quad = 6; ///< place of #CT in the system values
 /// The value of #CT: an integer counts as a real, anything else that isn't real as the default.
 double general_tolerance(const Space& ct);
 
-inline double comparison_tolerance(const Space* quads) {
-    const Space& space = quads[tolerance_quad];
+inline double comparison_tolerance(const Space* system_values) {
+    const Space& space = system_values[tolerance_quad];
     if (!(space.type & ISINPLACE) && space.rank == 0 && space.data_pointer
         && storage_of(space.data_pointer) == Storage::elements) {
         const auto* element = static_cast<const DataElement*>(space.data_pointer);

@@ -136,8 +136,12 @@ public:
         default: static_cast<std::uint8_t*>(block_)[size_++] = scalar.character; break;
         }
     }
-    /// Takes copies of the first n elements of a block.
-    void add_copies(const void* block, std::uint32_t n);
+    /// Takes copies of n elements of a block, from the one at `first` on.
+    void add_copies(const void* block, std::uint32_t n, std::uint32_t first = 0);
+    /// A subarray; the value is moved into a block of its own, and stays where it was if there is
+    /// no room for it.
+    void add_enclosed(const Space& value, std::uint16_t form = form::number,
+                      std::uint16_t marks = 0);
 
     std::uint32_t size() const { return size_; }
     /// The HAS bits (and STRUCTURED) of what was added.
@@ -148,7 +152,8 @@ public:
 private:
     void grow(std::uint64_t capacity);
     void add_unlike(const Space& scalar);
-    void add_items(const void* block, std::uint32_t n);
+    void add_items(const void* items, std::uint32_t n, std::uint32_t word);
+    bool add_bytes(const std::uint8_t* bytes, std::uint32_t n, const Layout& layout);
     void to_elements();
     void clear() noexcept;
     template <class T>

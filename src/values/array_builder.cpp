@@ -154,34 +154,74 @@ void ArrayBuilder::add_unlike(const Space& scalar) {
     look_ = word_ != 0 ? get_word(scalar, 3) : 0;
 }
 
-// The items of a packed block, in one piece.
-void ArrayBuilder::add_items(const void* block, std::uint32_t n) {
+// Items of one packed layout, in one piece.
+void ArrayBuilder::add_items(const void* items, std::uint32_t n, std::uint32_t word) {
     if (!block_)
-        word_ = header_of(block).layout;
+        word_ = word;
     const std::uint64_t size = std::uint64_t{size_} + n;
     if (!block_ || size > capacity_)
         grow(std::max(size, capacity_ * 2));
     const Storage storage = storage_of(block_);
     const std::size_t item = item_size(storage);
-    std::memcpy(static_cast<char*>(block_) + size_ * item, block, n * item);
+    std::memcpy(static_cast<char*>(block_) + size_ * item, items, n * item);
     size_ += n;
     kinds_ |= kind_bit(storage_tag(storage));
 }
 
-void ArrayBuilder::add_copies(const void* block, std::uint32_t n) {
-    const Storage storage = storage_of(block);
+// Truth values and degrees of a byte each, as the numbers that they are; false if the block can't
+// take them so.
+bool ArrayBuilder::add_bytes(const std::uint8_t* bytes, std::uint32_t n, const Layout& layout) {
+    const bool truth = layout.storage == Storage::truth;
+    const Storage storage = truth ? Storage::integer : Storage::real;
+    const std::uint32_t word = encode({storage, layout.form, layout.marks});
+    if (block_ && word_ != word)
+        return false;
+    word_ = word;
+    const std::uint64_t size = std::uint64_t{size_} + n;
+    if (!block_ || size > capacity_)
+        grow(std::max(size, capacity_ * 2));
+    if (truth)
+        std::copy_n(bytes, n, static_cast<std::int32_t*>(block_) + size_);
+    else
+        std::copy_n(bytes, n, static_cast<double*>(block_) + size_);
+    size_ += n;
+    kinds_ |= kind_bit(storage_tag(storage));
+    return true;
+}
+
+void ArrayBuilder::add_copies(const void* block, std::uint32_t n, std::uint32_t first) {
+    const Layout layout = layout_of(block);
+    const Storage storage = layout.storage;
     const bool plain = storage != Storage::elements && tag_storage(storage_tag(storage)) == storage;
+    const char* from = static_cast<const char*>(block) + first * item_size(storage);
     if (n != 0 && plain && (!block_ || word_ == header_of(block).layout)) {
-        add_items(block, n);
+        add_items(from, n, header_of(block).layout);
         return;
     }
-    for (std::uint32_t i = 0; i < n; ++i) {
+    const bool bytes = storage == Storage::truth || storage == Storage::degree;
+    if (n != 0 && bytes && add_bytes(reinterpret_cast<const std::uint8_t*>(from), n, layout))
+        return;
+    for (std::uint32_t i = first; i < first + n; ++i) {
         const Element element = element_of(block, i);
         add(element);
         if (storage == Storage::elements && element.tag != tag::octonion)
             referencedataelems(static_cast<const DataElement*>(block) + i, 1);
         else if (element.name)
             count_up(element.name);
+    }
+}
+
+void ArrayBuilder::add_enclosed(const Space& value, std::uint16_t form, std::uint16_t marks) {
+    Element element;
+    element.tag = tag::subarray;
+    element.form = form;
+    element.marks = marks;
+    element.subarray = enclose(value);
+    try {
+        add(element);
+    } catch (...) {
+        free_block(element.subarray);
+        throw;
     }
 }
 

@@ -6,7 +6,7 @@
 
 namespace tessor {
 
-void (*close_stream)(void* stream) noexcept = nullptr;
+void (*close_stream)(void* block) noexcept = nullptr;
 void (*release_link)(MeaningTable* link) noexcept = nullptr;
 
 namespace {
@@ -56,6 +56,14 @@ void drop_link(MeaningTable* link) noexcept {
         release_link(link);
 }
 
+void drop_stream(void* block) noexcept {
+    if (!block || !count_down(block))
+        return;
+    if (close_stream)
+        close_stream(block);
+    free_block(block);
+}
+
 void drop_space(Space& space, Dying& dying) noexcept;
 
 // A cell that stands in an element block; both records have the same size and first word.
@@ -81,8 +89,7 @@ void drop_element(DataElement& element, Dying& dying) noexcept {
     case tag::file:
         release_block(element.path);
         release_block(element.second_text);
-        if (element.stream && close_stream)
-            close_stream(element.stream);
+        drop_stream(element.stream);
         drop_enclosed(element.template_space, dying);
         break;
     default:
@@ -211,6 +218,7 @@ void referencedataelems(const DataElement* elements, std::uint32_t n) {
         case tag::complex: count_up_if(element.name); break;
         case tag::file:
             count_up_if(element.path);
+            count_up_if(element.stream);
             count_up_if(element.second_text);
             count_up_if(element.template_space);
             break;

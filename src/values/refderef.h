@@ -66,8 +66,9 @@ inline bool is_end(const Space& cell) {
     return cell.type == 0;
 }
 
-/// Closes streams of file elements when their last reference goes; set by the owner of files.
-extern void (*close_stream)(void* stream) noexcept;
+/// Closes the stream in a file element's counted block when the last reference to the block goes;
+/// set by the owner of files.
+extern void (*close_stream)(void* block) noexcept;
 
 /// Counts down a link of the meaning chain, with what it owns; set by the symbol tables.
 extern void (*release_link)(MeaningTable* link) noexcept;

@@ -252,4 +252,32 @@ int reshape_data(Space* left, Space* right) {
     return 0;
 }
 
+void ravel(Space& value) {
+    if (value.rank < 0 || value.rank == 1)
+        return;
+    std::int32_t* shape = new_shape(1);
+    shape[0] = static_cast<std::int32_t>(value.elements);
+    if (value.type & ISINPLACE) {
+        ArrayBuilder single(1);
+        try {
+            single.add(element_at(value, 0));
+        } catch (...) {
+            release_block(shape);
+            throw;
+        }
+        value.type &= ~ISINPLACE;
+        value.first_index = 0;
+        value.last_index = 0;
+        value.data_pointer = single.finish();
+    }
+    if (value.rank == 0) {
+        value.type = (value.type & ~ISSCALAR) | (value.elements == 1 ? ISONEELEMENT : 0u);
+        value.depth = 1;
+    }
+    release_shape(value);
+    value.rank = 1;
+    value.type = (value.type & ~ISARRAY) | ISVECTOR;
+    value.shape_pointer = shape;
+}
+
 } // namespace tessor

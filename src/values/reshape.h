@@ -11,4 +11,8 @@ namespace tessor {
 /// empty `right` leaves rank, shape and elements of `left` and makes its data private.
 int reshape_data(Space* left, Space* right);
 
+/// Makes a vector of a value's elements in block order: a scalar becomes a one-element vector, an
+/// array loses its axes but not its depth. Vectors and what has no elements stay.
+void ravel(Space& value);
+
 } // namespace tessor

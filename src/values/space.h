@@ -183,7 +183,7 @@ struct DataElement {
         double quaternion[4]; ///< takes the place of the name
         struct {              ///< file
             char* path;
-            void* stream;
+            void* stream; ///< counted block with the stream, shared by all copies of the element
             char* second_text;
             Space* template_space;
         };

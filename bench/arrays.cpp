@@ -222,6 +222,53 @@ void measure_small(Type type, NumPy& numpy, int rounds) {
     std::putchar('\n');
 }
 
+// Verbs that move or compare elements, beside a copy of so many bytes.
+struct Moving {
+    const char* text;
+    std::size_t bytes;
+};
+
+void measure_moving(const Moving& row, std::size_t n, int rounds) {
+    const Kept from(row.bytes);
+    const Kept to(row.bytes);
+    Sentence sentence(std::string(row.text) + " DISCARD .");
+    sentence.run();
+    const int times = static_cast<int>(20'000'000 / n) + 1;
+    std::vector<double> spent, to_copy;
+    for (int round = 0; round < rounds; ++round) {
+        const double tessor = sentence.time(times);
+        const Nanoseconds began = now();
+        for (int i = 0; i < times; ++i) {
+            std::memcpy(to.data(), from.data(), row.bytes);
+            asm volatile("" : : "r"(to.data()) : "memory");
+        }
+        spent.push_back(tessor / 1e6);
+        to_copy.push_back(tessor / ((now() - began) / times));
+    }
+    std::printf("%-20s %.0e  %8.3f ms", row.text, static_cast<double>(n), spread_of(spent).median);
+    print_ratio("copy", spread_of(to_copy), 2.0);
+    std::putchar('\n');
+}
+
+// p and q hold the same values in blocks of their own.
+void measure_all_moving(std::size_t n, int rounds) {
+    bind_array("p", Type::int32, n, false);
+    Sentence("p 200 RESIDUE @small SET small ENASCII @bytes SET .").run();
+    for (const Moving& row : {Moving{"small ENASCII", 4 * n}, {"bytes DEASCII", 4 * n}})
+        measure_moving(row, n, rounds);
+    for (const Type type : {Type::int32, Type::float64, Type::complex128}) {
+        bind_array("p", type, n, true);
+        bind_array("q", type, n, true);
+        Sentence("MARK p q COLLECT @both SET .").run();
+        const std::size_t bytes = n * type_size(type);
+        for (const Moving& row :
+             {Moving{"p q EXACT MATCH", bytes}, {"p q MATCH", bytes}, {"both ENLIST", 2 * bytes}})
+            measure_moving(row, n, rounds);
+    }
+    for (const char* name : {"p", "q", "small", "bytes", "both"})
+        bind_array(name, Type::truth, 1, true);
+}
+
 double peak_memory() {
     std::FILE* status = std::fopen("/proc/self/status", "r");
     char line[256];
@@ -277,6 +324,9 @@ int run(const char* interpreter, const char* script, int rounds) {
         for (Type type : {Type::int32, Type::float64})
             measure_small(type, numpy, rounds);
     }
+    if (!only_verb || std::strcmp(only_verb, "MOVING") == 0)
+        for (std::size_t n : {std::size_t{1'000'000}, std::size_t{10'000'000}})
+            measure_all_moving(n, rounds);
     for (std::size_t n : {std::size_t{1'000'000}, std::size_t{10'000'000}})
         for (Type type : {Type::int32, Type::float64, Type::complex128, Type::truth})
             measure_type(type, n, numpy, rounds);

@@ -1,6 +1,7 @@
 #include "io/editing.h"
 
 #include "engine/signals.h"
+#include "io/opening.h"
 #include "io/writers/dump.h"
 #include "values/array.h"
 #include "values/block.h"
@@ -9,18 +10,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <memory>
 #include <string>
 #include <unistd.h>
 
 namespace tessor {
 
 namespace {
-
-struct Close {
-    void operator()(std::FILE* stream) const { std::fclose(stream); }
-};
-using Stream = std::unique_ptr<std::FILE, Close>;
 
 // A file of our own in the system's temporary directory, removed at the latest with the handle.
 class TemporaryFile {

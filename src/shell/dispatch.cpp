@@ -1,7 +1,9 @@
 #include "shell/dispatch.h"
 
 #include "array/each.h"
+#include "array/enlist.h"
 #include "array/mask.h"
+#include "array/match.h"
 #include "array/reshape.h"
 #include "engine/branches.h"
 #include "engine/calls.h"
@@ -19,8 +21,12 @@
 #include "engine/streams.h"
 #include "engine/terminal.h"
 #include "engine/yield.h"
+#include "io/ascii.h"
 #include "io/assemble.h"
+#include "io/capsulate.h"
 #include "io/editing.h"
+#include "io/file_values.h"
+#include "io/files.h"
 #include "io/output.h"
 #include "scalar/verbs.h"
 
@@ -112,9 +118,27 @@ constexpr BodyRow body_rows[] = {
     // functions on arrays
     {op::MASK, mask},
     {op::EACH, each},
+    {op::ENLIST, enlist},
+    {op::MATCH, match_values},
     // output
     {op::OUTPUT, output},
     {op::PRINT, output},
+    // files
+    {op::READ, do_read},
+    {op::TEXTREAD, textread},
+    {op::WRITE, do_write},
+    {op::APPEND, append},
+    {op::TEXTWRITE, textwrite},
+    {op::TEXTAPPEND, textappend},
+    {op::OPEN, do_open},
+    {op::CLOSE, do_close},
+    {op::REWIND, do_rewind},
+    // kinds of elements
+    {op::ENASCII, enascii},
+    {op::ENCAPSULATE, encapsulate},
+    {op::DEASCII, deascii},
+    {op::DECAPSULATE, decapsulate},
+    {op::GROUP, group},
 };
 
 struct VerbRow {
@@ -192,6 +216,7 @@ constexpr VerbRow verb_rows[] = {
 } // namespace
 
 void fill_dispatch() {
+    start_files();
     for (const BodyRow& row : body_rows)
         bodies[row.instruction].body = row.body;
     for (const VerbRow& row : verb_rows) {

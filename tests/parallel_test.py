@@ -12,7 +12,7 @@ import sys
 
 DYADIC = "+ - * / < =< = >= > ~= == AND OR NAND !^".split()
 NARROW = "| MIN MAX POW".split()  # not for quaternions
-MONADIC = "NEGATIVE CONJUGATE MAGNITUDE FLOOR CEILING EXP NOT LOGICAL RECIPROCAL".split()
+MONADIC = "NEGATIVE CONJUGATE MAGNITUDE FLOOR CEILING EXP NOT LOGICAL RECIPROCAL SIGNUM SIN COS".split()
 # Around the thresholds of two, three and five streams, and where packed loops are worth sharing.
 SIZES = [2002, 2003, 3003, 3004, 5005, 5006, 6001, 40000]
 WORKERS = ["-c1", "-c2", "-c4"]

@@ -31,6 +31,16 @@ int flops_of_product(const L& l, const R& r) {
     return static_cast<int>(product_flops<width<L>, width<R>>(Row<L>(l).c, Row<R>(r).c));
 }
 
+// Reals. Nothing is left of a factor that meets 0, not even of an infinity; of two numbers that are
+// none the quotient is 1.
+
+inline double multiplied(double l, double r) {
+    return (l == 0) | (r == 0) ? 0.0 : l * r;
+}
+inline double divided(double l, double r) {
+    return (l != l) & (r != r) ? 1.0 : l / r;
+}
+
 // Two complex numbers: factors on the real line are multiplied and divided as such.
 
 /// A component of a full complex product that isn't a number is infinite.

@@ -13,9 +13,7 @@ struct Divide {
         return {static_cast<double>(l) / static_cast<double>(r)};
     }
     static double apply(RealLike auto l, RealLike auto r) {
-        const auto x = static_cast<double>(l);
-        const auto y = static_cast<double>(r);
-        return (x != x) & (y != y) ? 1.0 : x / y;
+        return divided(static_cast<double>(l), static_cast<double>(r));
     }
     template <Number L, Number R>
     static Wider<L, R> apply(const L& l, const R& r) requires(Hypercomplex<L> || Hypercomplex<R>) {

@@ -29,11 +29,8 @@ struct Multiply {
         product.misfit = std::fabs(rough) < 2147483000.0f ? 0 : -1;
         return product;
     }
-    // Nothing is left of a factor that meets 0, not even of an infinity.
     static double apply(RealLike auto l, RealLike auto r) {
-        const auto x = static_cast<double>(l);
-        const auto y = static_cast<double>(r);
-        return (x == 0) | (y == 0) ? 0.0 : x * y;
+        return multiplied(static_cast<double>(l), static_cast<double>(r));
     }
     template <Number L, Number R>
     static Wider<L, R> apply(const L& l, const R& r) requires(Hypercomplex<L> || Hypercomplex<R>) {

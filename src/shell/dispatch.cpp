@@ -4,6 +4,7 @@
 #include "array/enlist.h"
 #include "array/mask.h"
 #include "array/match.h"
+#include "array/reduce.h"
 #include "array/reshape.h"
 #include "engine/branches.h"
 #include "engine/calls.h"
@@ -111,6 +112,8 @@ constexpr BodyRow body_rows[] = {
     {op::ASSEMBLE, assemble},
     {op::DISASSEMBLE, disassemble},
     // frames of values
+    {op::REDUCE, reduce},
+    {op::REDUCELASTAXIS, reducelastaxis},
     {op::RESHAPE, reshape},
     {op::SHAPE, shape},
     {op::RANK, rank},

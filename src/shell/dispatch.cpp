@@ -4,6 +4,7 @@
 #include "array/enlist.h"
 #include "array/mask.h"
 #include "array/match.h"
+#include "array/interval.h"
 #include "array/reduce.h"
 #include "array/reshape.h"
 #include "engine/branches.h"
@@ -112,6 +113,7 @@ constexpr BodyRow body_rows[] = {
     {op::ASSEMBLE, assemble},
     {op::DISASSEMBLE, disassemble},
     // frames of values
+    {op::INTERVAL, interval},
     {op::REDUCE, reduce},
     {op::REDUCELASTAXIS, reducelastaxis},
     {op::RESHAPE, reshape},

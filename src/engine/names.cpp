@@ -33,6 +33,20 @@ bool is_storable(const Activation& run, const Space& address) {
     return !(address.type & ISLOCAL) || address.target < run.top;
 }
 
+// What a late-bound cell that is bound to nothing means right now. Only a name of the table in
+// force is bound: one found further out is hidden as soon as that table gets its own.
+Space* meaning_now(Activation& run, Space& cell) {
+    if (cell.suboperation != op::SAIL && cell.suboperation != op::SAIG)
+        return nullptr;
+    HashTable* where = nullptr;
+    const Bucket* found = getsymandtab(run.table, cell.name, &where, base_hash(run.table));
+    if (!found)
+        return nullptr;
+    if (where == hash_of(run.table))
+        rebind(cell, run.table, found->value);
+    return found->value;
+}
+
 // The value goes to its place; what stood there is released.
 void store(Space& target, const Space& value, bool keeps) {
     Space old = target;
@@ -55,9 +69,12 @@ Next store_name(Activation& run, bool keeps) {
 
 } // namespace
 
-// A Space that is unset may have been forgotten, and the name made again.
+// Under the table that it was bound under a cell stands as it is, bound to nothing too: a
+// function's own names don't give way to those of whoever calls it. A Space that is unset may have
+// been forgotten, and the name made again.
 bool keep_bound(Activation& run, Space& cell) {
-    if (is_set(cell.target) && cell.table && hash_of(cell.table) == hash_of(run.table))
+    const bool forgotten = cell.target && !is_set(cell.target);
+    if (!forgotten && cell.table && hash_of(cell.table) == hash_of(run.table))
         return false;
     const Bucket* found = checkmeaning(run.table, cell.name);
     if (!found) {
@@ -83,9 +100,10 @@ Next push_variable(Activation& run) {
     Space& cell = *run.now;
     if (cell.suboperation != op::SGIG)
         keep_bound(run, cell);
-    if (!is_set(cell.target))
+    const Space* value = cell.target ? cell.target : meaning_now(run, cell);
+    if (!is_set(value))
         return failed(run, 23);
-    push_copy(run, *cell.target);
+    push_copy(run, *value);
     return run.top->rank == kind::FUNCTION ? call_verb(run) : Next::advance;
 }
 

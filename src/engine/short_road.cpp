@@ -31,7 +31,8 @@ enum class After { next, stop, returned };
         || (next.operation != op::SET && next.operation != op::ASSIGN))
         return false;
     Space& target = *cell.target;
-    if ((target.type && !is_plain(target)) || s.top < s.floor || !is_plain(*s.top))
+    if ((target.type && !is_plain(target)) || s.top < s.floor || s.top > stacktop
+        || !is_plain(*s.top))
         return false;
     mark_first(s.run, GLOBALCHANGE);
     copy_words(target, *s.top);

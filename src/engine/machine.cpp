@@ -5,6 +5,7 @@
 #include "engine/names.h"
 #include "engine/short_road.h"
 #include "engine/signals.h"
+#include "engine/timing.h"
 #include "io/writers/dump.h"
 #include "io/writers/exception.h"
 #include "parallel/coprocessor.h"
@@ -12,6 +13,7 @@
 #include "values/native_stack.h"
 #include "values/refderef.h"
 #include "values/shared.h"
+#include "values/timing.h"
 
 #include <algorithm>
 #include <array>
@@ -261,13 +263,35 @@ Next run_cell(Activation& run, const Space& cell) {
     return cell.rank >= 0 ? push_literal(run, cell) : run_other(run);
 }
 
-// Everything that seldom stands before a cell.
+// Everything that seldom stands before a cell. What a person takes isn't the cell's time.
 void attend_to(Activation& run) {
     take_signals();
     if (run.trace || run.step || Trace || Step) {
         wait_for_coprocessors();
         inspect(run);
+        if (opstime)
+            read_clock();
     }
+}
+
+// An instruction that leaves its cell makes no entry, nor does one that is opened up. The clock is
+// read once more, so that the next cell isn't charged with the entry.
+Next run_timed(Activation& run) {
+    const Space& cell = *run.now;
+    const int operation = cell.rank == kind::OPERATOR ? cell.operation : -1;
+    begin_cell();
+    const Next next = run_cell(run, cell);
+    if (next == Next::again)
+        return next;
+    if (next == Next::advance && operation >= 0)
+        enter_timing(operation);
+    read_clock();
+    return next;
+}
+
+Next run_attended(Activation& run) {
+    attend_to(run);
+    return opstime ? run_timed(run) : run_cell(run, *run.now);
 }
 
 // The cycle. True: the list ended normally.
@@ -284,9 +308,8 @@ void attend_to(Activation& run) {
             return true;
         }
         run.cell_top = run.top;
-        if (attention.load(std::memory_order_relaxed) != 0) [[unlikely]]
-            attend_to(run);
-        switch (run_cell(run, *run.now)) {
+        const bool calm = attention.load(std::memory_order_relaxed) == 0;
+        switch (calm ? run_cell(run, *run.now) : run_attended(run)) {
         case Next::advance: run.cell = cell + 1; break;
         case Next::jumped: count.jump(cell, run.cell); break;
         case Next::again: count.again(); continue;
@@ -359,15 +382,18 @@ void leave_out_of_storage(Activation& run) {
 }
 
 void run_to_end(Activation& run) {
+    begin_sentence();
     const bool ended = cycle(run);
     run.cell_top = run.top;
     wait_for_coprocessors();
     if (signal_noted())
         take_signals();
-    if (ended)
+    if (ended) {
+        report_sentence();
         show_top(run);
-    else
+    } else {
         leave_early(run);
+    }
 }
 
 // A fresh run is a recovery point, for failures that are thrown and for faults of the process's
@@ -410,10 +436,13 @@ void abandon(Activation& run) noexcept {
 }
 
 Space* run_nested(Activation& run) {
+    const ActivationStart start = opstime ? begin_activation() : ActivationStart{};
     if (!cycle(run)) {
         run.stopped = true;
         leave_early(run);
     }
+    if (opstime)
+        end_activation(start);
     run.left = true;
     return run.top;
 }

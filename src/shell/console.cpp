@@ -14,14 +14,15 @@
 #include "values/native_stack.h"
 #include "values/refderef.h"
 #include "values/shared.h"
+#include "values/timing.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <sys/resource.h>
-#include <sys/time.h>
 #include <unistd.h>
+#include <vector>
 
 namespace tessor {
 
@@ -37,12 +38,6 @@ void buffer_streams() {
     std::setvbuf(stdin, input_buffer, _IOFBF, sizeof input_buffer);
     std::setvbuf(stdout, output_buffer, isatty(STDOUT_FILENO) ? _IOLBF : _IOFBF,
                  sizeof output_buffer);
-}
-
-double clock_reading() {
-    timeval now;
-    gettimeofday(&now, nullptr);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_usec) / 1e6;
 }
 
 // The streams that the options ask for.
@@ -130,7 +125,7 @@ double start(const Options& options) {
     const double physmem = physical_memory();
     if (!options.quiet)
         report_pool(pool, physmem);
-    const double starttime = clock_reading();
+    const double starttime = read_clock();
     fill_dispatch();
     start_symbols();
     sp = stack;
@@ -141,6 +136,8 @@ double start(const Options& options) {
     start_streams(pool, options.quiet);
     seed_streams(seed_by_clock, Space{});
     verbs = 0;
+    if (opstime)
+        attention.fetch_or(attend::timing);
     return starttime;
 }
 
@@ -184,13 +181,43 @@ void report_spent(double spent) {
                 static_cast<int>(seconds % 60), microseconds);
 }
 
+double seconds_of(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1000000;
+}
+
+// The flops of each thread, if there were several.
+std::vector<double> flops_of_threads(std::uint32_t streams) {
+    std::vector<double> flops;
+    if (streams > 1) {
+        for (const ThreadRecord& thread : from_coprocessor)
+            flops.push_back(thread.total_flops);
+        flops[0] = total_flops;
+    }
+    return flops;
+}
+
+void report_instructions(ReportParts parts, std::uint32_t streams) {
+    rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    parts.cycles = processor_performance;
+    parts.MHz = MHz;
+    const std::vector<double> flops = flops_of_threads(streams);
+    report_timings(
+        stdout,
+        {InstructionTiming, flops, verbs, seconds_of(usage.ru_utime), seconds_of(usage.ru_stime)},
+        parts);
+}
+
 void end(const Options& options, double starttime) {
+    const std::uint32_t streams = processors;
     stop_coprocessors();
+    if (!options.quiet && opstime)
+        report_instructions(options.report, streams);
     if (!options.quiet)
         std::printf("\n%s\n", errors(999));
     std::putchar('\n');
     release_everything();
-    report_spent(std::max(clock_reading() - starttime, 0.0));
+    report_spent(std::max(read_clock() - starttime, 0.0));
     std::fflush(stdout);
 }
 

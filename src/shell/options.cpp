@@ -130,11 +130,11 @@ Outcome take_performance(Word& word) {
 Outcome take_instruction_timing(Word& word) {
     opstime = true;
     if (follows(word, 'f'))
-        word.options.flops = true;
+        word.options.report.flops = true;
     else if (follows(word, 't'))
-        word.options.flops = word.options.terse_ops = true;
+        word.options.report.flops = word.options.report.terse_ops = true;
     else if (follows(word, 's'))
-        word.options.just_summary = true;
+        word.options.report.just_summary = true;
     else
         return end_of_option(word);
     return go_on;

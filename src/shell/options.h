@@ -5,6 +5,8 @@
 // or that asks for a text alone, ends the process before it has started.
 #pragma once
 
+#include "instrument/report.h"
+
 #include <cstdint>
 #include <optional>
 
@@ -15,9 +17,7 @@ struct Options {
     bool quiet = false;
     std::uint32_t processors = 0; ///< as given with -c; 0 without it
     std::uint32_t thrds = 1;      ///< threads for each of them
-    bool flops = false;           ///< floating-point columns in the report of timings
-    bool terse_ops = false;       ///< one line an instruction there
-    bool just_summary = false;    ///< its summary alone
+    ReportParts report;           ///< of timings, at the end
 };
 
 /// Reads the words into `options` and the shared flags. Texts go to standard output. Returns the

@@ -98,15 +98,15 @@ TEST_F(OptionWords, LetFilesGoAnywhere) {
 
 TEST_F(OptionWords, ShapeTheReportOfTimings) {
     const Options full = read({"-if"});
-    EXPECT_TRUE(opstime && full.flops);
-    EXPECT_FALSE(full.terse_ops || full.just_summary);
+    EXPECT_TRUE(opstime && full.report.flops);
+    EXPECT_FALSE(full.report.terse_ops || full.report.just_summary);
     const Options terse = read({"-it"});
-    EXPECT_TRUE(terse.flops && terse.terse_ops);
+    EXPECT_TRUE(terse.report.flops && terse.report.terse_ops);
     const Options summary = read({"-is"});
-    EXPECT_TRUE(summary.just_summary);
-    EXPECT_FALSE(summary.flops);
+    EXPECT_TRUE(summary.report.just_summary);
+    EXPECT_FALSE(summary.report.flops);
     const Options plain = read({"-i"});
-    EXPECT_FALSE(plain.flops || plain.terse_ops || plain.just_summary);
+    EXPECT_FALSE(plain.report.flops || plain.report.terse_ops || plain.report.just_summary);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "array/interval.h"
 
 #include "array/lattice.h"
+#include "array/system_values.h"
 #include "io/writers/exception.h"
 #include "scalar/compare.h"
 #include "scalar/frame.h"
@@ -35,28 +36,6 @@ struct Argument {
 
     [[noreturn]] void refuse(int number) const { fail(number, &run.top, run.now); }
 };
-
-// The whole number that a real is within the tolerance of.
-bool near_integer(double x, double tolerance, double& whole) {
-    const double below = std::floor(x);
-    if (below == std::ceil(x - tolerance)) {
-        whole = below;
-        return true;
-    }
-    const double above = std::ceil(x);
-    whole = above;
-    return above == std::floor(x + tolerance);
-}
-
-std::int32_t index_origin(const Space& space) {
-    if (!has_data(space))
-        return 1;
-    const Element element = element_at(space, 0);
-    if (element.tag == tag::integer)
-        return element.integer;
-    const double x = element.tag == tag::real ? element.c[0] : 1.0;
-    return std::fabs(x) <= largest ? static_cast<std::int32_t>(x) : 1;
-}
 
 std::uint32_t checked_count(const Argument& a, double count) {
     if (!(count <= most_elements))
@@ -365,7 +344,7 @@ Next interval(Activation& run) {
         count_operations(1);
         return Next::advance;
     }
-    Argument a{run, space, {}, comparison_tolerance(run.quads), index_origin(run.quads[quad_io])};
+    Argument a{run, space, {}, comparison_tolerance(run.quads), index_origin(run.quads)};
     if (space.rank < 0 || !has_data(space))
         a.refuse(142);
     if (space.elements > 3 || (space.type & STRUCTURED))

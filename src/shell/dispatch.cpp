@@ -7,6 +7,7 @@
 #include "array/interval.h"
 #include "array/reduce.h"
 #include "array/reshape.h"
+#include "array/structure.h"
 #include "engine/branches.h"
 #include "engine/calls.h"
 #include "engine/collect.h"
@@ -113,6 +114,19 @@ constexpr BodyRow body_rows[] = {
     {op::ASSEMBLE, assemble},
     {op::DISASSEMBLE, disassemble},
     // frames of values
+    {op::RAVEL, ravel_body},
+    {op::ENCLOSE, enclose_body},
+    {op::DISCLOSE, disclose},
+    {op::FIRST, first},
+    {op::REST, rest},
+    {op::MIRROR, reverse},
+    {op::REVERSE, reverse},
+    {op::TRANSPOSE, transpose},
+    {op::CATENATE, catenate},
+    {op::COMPRESS, compress},
+    {op::COMPRESSLASTAXIS, compresslastaxis},
+    {op::REPLICATE, replicate},
+    {op::DEAL, deal},
     {op::INTERVAL, interval},
     {op::REDUCE, reduce},
     {op::REDUCELASTAXIS, reducelastaxis},

@@ -68,6 +68,12 @@ Nanoseconds NumPy::time(const Work& work, int n) {
     return ask(question);
 }
 
+Nanoseconds NumPy::evaluate(const char* expression, int n) {
+    char question[256];
+    std::snprintf(question, sizeof question, "evaluate %d %s\n", n, expression);
+    return ask(question);
+}
+
 double NumPy::memory(Type type, std::size_t n) {
     char question[128];
     std::snprintf(question, sizeof question, "memory %s %zu\n", type_names[static_cast<int>(type)],

@@ -18,6 +18,8 @@ public:
 
     /// Runs the work n times, each with a fresh result.
     Nanoseconds time(const Work& work, int n);
+    /// Evaluates an expression over its own arrays n times.
+    Nanoseconds evaluate(const char* expression, int n);
     /// Bytes that two operands and a sum take at the most, over what the process has without them.
     double memory(Type type, std::size_t n);
 

@@ -1,6 +1,7 @@
 """Measures NumPy on the work that comes in lines, as a user would write it: with fresh results.
 
 time VERB TYPE N vector|scalar REPETITIONS   answers nanoseconds for one execution
+evaluate REPETITIONS EXPRESSION              the same for an expression over named arrays
 memory TYPE N                                answers the bytes at the peak of a sum, operands included
 """
 
@@ -54,6 +55,24 @@ def measure(verb, kind, n, shape, repetitions):
     return (time.perf_counter_ns() - began) / repetitions
 
 
+named = {}
+
+
+def evaluate(repetitions, expression):
+    if not named:
+        values = numpy.arange(9_000_000, dtype=numpy.int64) * 7919 % 2003 - 1001
+        reals = made(values, "float64")
+        named.update(numpy=numpy, INTS=made(values, "int32"), REALS=reals,
+                     HALF=made(values, "bool"), MATRIX=reals.reshape(3000, 3000),
+                     SMALL=reals * 1e-3, POSITIVE=numpy.abs(reals * 1e-3))
+    run = eval(f"lambda: {expression}", named)  # the rows' own texts
+    run()
+    began = time.perf_counter_ns()
+    for _ in range(repetitions):
+        run()
+    return (time.perf_counter_ns() - began) / repetitions
+
+
 def peak():
     with open("/proc/self/status", encoding="ascii") as status:
         return next(int(line.split()[1]) * 1024 for line in status if line.startswith("VmHWM"))
@@ -83,6 +102,8 @@ def main():
         if what == "time":
             verb, kind, n, shape, repetitions = words
             print(measure(verb, kind, int(n), shape, int(repetitions)), flush=True)
+        elif what == "evaluate":
+            print(evaluate(int(words[0]), " ".join(words[1:])), flush=True)
         else:
             print(memory(words[0], int(words[1])), flush=True)
 

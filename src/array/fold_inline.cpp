@@ -207,39 +207,50 @@ double extreme(double a, double x) {
 
 // The extreme of a run, whatever the order: many at a time. False where the order shows:
 // infinities, what isn't a number, zeros of either sign.
-template <bool least, class T>
-bool any_order(const T* items, std::uint32_t n, T& result) {
+template <bool least>
+bool any_order(const std::int32_t* items, std::uint32_t n, std::int32_t& result) {
+    std::int32_t* const to = &result;
+    run_simd([=]() __attribute__((always_inline)) {
+        std::int32_t best = items[0];
+        for (std::uint32_t i = 1; i < n; ++i)
+            best = least ? std::min(best, items[i]) : std::max(best, items[i]);
+        *to = best;
+    });
+    return true;
+}
+template <bool least>
+bool any_order(const double* items, std::uint32_t n, double& result) {
     constexpr std::uint32_t lanes = 32;
     if (n < lanes)
         return false;
-    bool ordered = true;
-    bool* const out = &ordered;
-    T* const to = &result;
+    double odds = 0;
+    double* const out = &odds;
+    double* const to = &result;
     run_simd([=]() __attribute__((always_inline)) {
-        T best[lanes];
-        T odd[lanes] = {};
+        double best[lanes];
+        double odd[lanes] = {};
         for (std::uint32_t k = 0; k < lanes; ++k)
             best[k] = items[k];
         for (std::uint32_t i = 0; i + lanes <= n; i += lanes)
             for (std::uint32_t k = 0; k < lanes; ++k) {
-                const T x = items[i + k];
+                const double x = items[i + k];
                 best[k] = (least ? x < best[k] : x > best[k]) ? x : best[k];
                 odd[k] += x - x;
             }
-        T all = best[0];
-        T odds = odd[0];
+        double all = best[0];
+        double sum = odd[0];
         for (std::uint32_t k = 1; k < lanes; ++k) {
             all = (least ? best[k] < all : best[k] > all) ? best[k] : all;
-            odds += odd[k];
+            sum += odd[k];
         }
         for (std::uint32_t i = n / lanes * lanes; i < n; ++i) {
             all = (least ? items[i] < all : items[i] > all) ? items[i] : all;
-            odds += items[i] - items[i];
+            sum += items[i] - items[i];
         }
         *to = all;
-        *out = odds == 0 && (std::is_same_v<T, std::int32_t> || all != 0);
+        *out = sum;
     });
-    return ordered;
+    return odds == 0 && result != 0;
 }
 
 template <class T, bool least>

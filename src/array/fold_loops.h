@@ -12,7 +12,7 @@
 namespace tessor {
 
 /// Columns that are folded together along the last axis: their accumulators stay in the cache.
-inline constexpr std::uint32_t columns = 1024;
+inline constexpr std::uint32_t columns = 4096;
 
 inline void look_at_signals() {
     if (signal_noted())

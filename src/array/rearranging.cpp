@@ -11,7 +11,7 @@ namespace tessor {
 namespace {
 
 constexpr std::int32_t most_axes = 8;
-constexpr std::uint32_t tile = 16; ///< rows and columns that are turned together
+constexpr std::uint32_t tile = 8; ///< rows and columns that are turned together
 
 void reverse_in_place(Space& value) {
     with_item(storage_of(value.data_pointer), [&]<class T>() {
@@ -34,14 +34,16 @@ void reversed_copy(Space& value) {
 // that both sides stay in the cache.
 template <class T>
 void turn(T* to, const T* from, std::uint32_t rows, std::uint32_t columns) {
-    for (std::uint32_t c = 0; c < columns; c += tile)
-        for (std::uint32_t r = 0; r < rows; r += tile) {
-            const std::uint32_t last_c = std::min(c + tile, columns);
-            const std::uint32_t last_r = std::min(r + tile, rows);
-            for (std::uint32_t i = r; i < last_r; ++i)
-                for (std::uint32_t j = c; j < last_c; ++j)
-                    to[std::size_t{i} * columns + j] = from[std::size_t{j} * rows + i];
-        }
+    run_simd([=]() __attribute__((always_inline)) {
+        for (std::uint32_t c = 0; c < columns; c += tile)
+            for (std::uint32_t r = 0; r < rows; r += tile) {
+                const std::uint32_t last_c = std::min(c + tile, columns);
+                const std::uint32_t last_r = std::min(r + tile, rows);
+                for (std::uint32_t i = r; i < last_r; ++i)
+                    for (std::uint32_t j = c; j < last_c; ++j)
+                        to[std::size_t{i} * columns + j] = from[std::size_t{j} * rows + i];
+            }
+    });
 }
 
 struct Axes {

@@ -387,6 +387,16 @@ void hashwipe(HashTable* hash) noexcept {
     }
 }
 
+const Bucket* next_used(const HashTable* hash, std::uint32_t& index) {
+    for (; index < hash->buckets; index = (index / 64 + 1) * 64) {
+        if (const std::uint64_t bits = hash->used[index / 64] >> index % 64) {
+            index += static_cast<std::uint32_t>(std::countr_zero(bits));
+            return &hash->bucket[index];
+        }
+    }
+    return nullptr;
+}
+
 namespace {
 
 // One more name, as a text inside a list.
@@ -417,15 +427,10 @@ void add_name(ArrayBuilder& names, const char* name) {
 void list_symbols(Space& result, MeaningTable* link, char first) {
     const HashTable* hash = hash_of(link);
     ArrayBuilder names;
-    for (std::uint32_t word = 0; word < hash->buckets / 64; ++word) {
-        for (std::uint64_t bits = hash->used[word]; bits; bits &= bits - 1) {
-            const std::uint32_t index =
-                word * 64 + static_cast<std::uint32_t>(std::countr_zero(bits));
-            for (const Bucket* b = &hash->bucket[index]; b && b->name; b = b->next)
-                if (b->name[0] == first)
-                    add_name(names, b->name);
-        }
-    }
+    for (std::uint32_t index = 0; const Bucket* b = next_used(hash, index); ++index)
+        for (; b && b->name; b = b->next)
+            if (b->name[0] == first)
+                add_name(names, b->name);
     if (names.size() == 0)
         return;
     const std::uint32_t n = names.size();

@@ -79,6 +79,10 @@ void subwipe(Bucket* bucket) noexcept;
 /// Forgets every name of a table, but for #IO and #CT.
 void hashwipe(HashTable* hash) noexcept;
 
+/// The first bucket of the first chain in use from `index` on, whose index goes there; null if
+/// there is none. A bucket without a name ends its chain.
+const Bucket* next_used(const HashTable* hash, std::uint32_t& index);
+
 /// Adds every name of the link's table that begins with `first` to a vector in the making.
 void list_symbols(Space& result, MeaningTable* link, char first);
 

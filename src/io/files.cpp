@@ -4,14 +4,12 @@
 #include "io/opening.h"
 #include "io/writers/dump.h"
 #include "io/writers/exception.h"
+#include "io/writing.h"
 #include "values/array.h"
 #include "values/shared.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
-#include <ctime>
-#include <fcntl.h>
 #include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -90,34 +88,6 @@ Space text_of(BlockHandle block, std::size_t length) {
     return text;
 }
 
-// While one lives, a pipe that nobody reads any more is a failure of the writing, not the end of
-// the process, and a signal breaks off what waits for a reader.
-class Writing {
-public:
-    Writing() {
-        sigemptyset(&pipe_);
-        sigaddset(&pipe_, SIGPIPE);
-        sigset_t pending;
-        sigpending(&pending);
-        was_pending_ = sigismember(&pending, SIGPIPE) == 1;
-        pthread_sigmask(SIG_BLOCK, &pipe_, &before_);
-    }
-    Writing(const Writing&) = delete;
-    Writing& operator=(const Writing&) = delete;
-    ~Writing() {
-        constexpr timespec at_once{};
-        if (!was_pending_)
-            sigtimedwait(&pipe_, nullptr, &at_once);
-        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-    }
-
-private:
-    Waiting waits_;
-    sigset_t pipe_;
-    sigset_t before_;
-    bool was_pending_;
-};
-
 void write_form(std::FILE* stream, const Space& value, Mode mode) {
     PrintOut = true;
     disass(stream, "", value, 0, mode);
@@ -126,21 +96,11 @@ void write_form(std::FILE* stream, const Space& value, Mode mode) {
 }
 
 // False: not everything could be written.
-bool write_to(Stream& opened, const Space& value, Mode mode, const char* end) {
-    const Writing now;
-    const Stream stream = std::move(opened);
-    try {
-        write_form(stream.get(), value, mode);
-        std::fputs(end, stream.get());
-        std::fflush(stream.get());
-        if (signal_noted())
-            take_signals();
-    } catch (...) {
-        // What is left must not wait for a reader.
-        fcntl(fileno(stream.get()), F_SETFL, O_NONBLOCK);
-        throw;
-    }
-    return !std::ferror(stream.get());
+bool write_value_to(Stream& opened, const Space& value, Mode mode, const char* end) {
+    return write_to(opened, [&](std::FILE* stream) {
+        write_form(stream, value, mode);
+        std::fputs(end, stream);
+    });
 }
 
 // The instructions that share one opening end the sentence when they fail.
@@ -148,7 +108,7 @@ Next write_named(Activation& run, FileMode file_mode, Mode mode) {
     OpenedFile file = open_named(*run.top, file_mode, other_numbers);
     if (file.number)
         fail(file.number, &run.top, run.now);
-    if (!write_to(file.stream, run.top[-1], mode, ""))
+    if (!write_value_to(file.stream, run.top[-1], mode, ""))
         fail(other_numbers.failure, &run.top, run.now);
     pop(run);
     return Next::advance;
@@ -201,7 +161,7 @@ Next do_write(Activation& run) {
     OpenedFile file = open_named(*run.top, FileMode::write, writing_numbers);
     if (file.number)
         return failed(run, file.number);
-    if (!write_to(file.stream, run.top[-1], Mode::source, "\n"))
+    if (!write_value_to(file.stream, run.top[-1], Mode::source, "\n"))
         return failed(run, writing_numbers.failure);
     pop(run);
     return Next::advance;

@@ -2,9 +2,9 @@
 
 #include "array/each.h"
 #include "array/enlist.h"
+#include "array/interval.h"
 #include "array/mask.h"
 #include "array/match.h"
-#include "array/interval.h"
 #include "array/reduce.h"
 #include "array/reshape.h"
 #include "array/structure.h"
@@ -31,6 +31,7 @@
 #include "io/file_values.h"
 #include "io/files.h"
 #include "io/output.h"
+#include "io/saving.h"
 #include "scalar/verbs.h"
 
 namespace tessor {
@@ -152,6 +153,11 @@ constexpr BodyRow body_rows[] = {
     {op::OPEN, do_open},
     {op::CLOSE, do_close},
     {op::REWIND, do_rewind},
+    // saved workspaces
+    {op::SAVE, save},
+    {op::LOAD, load},
+    {op::DUMPSTACK, do_dumpstack},
+    {op::REMEMBER, do_remember},
     // kinds of elements
     {op::ENASCII, enascii},
     {op::ENCAPSULATE, encapsulate},

@@ -27,13 +27,14 @@ void disass(std::FILE* stream, const char* prefix, const Space& space, int level
 }
 
 void dumpstack(std::FILE* stream, const Space* lowest, const Space* highest) {
+    Writer out(stream);
     for (; lowest <= highest; ++lowest) {
         PrintOut = true;
-        disass(stream, "", *lowest, 0, Mode::source);
+        write_value(out, *lowest, place_of(0, Mode::source));
         PrintOut = false;
-        std::fputc('\n', stream);
+        out.put('\n');
     }
-    std::fputs(".\n", stream);
+    out.put(".\n");
 }
 
 } // namespace tessor

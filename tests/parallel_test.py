@@ -48,6 +48,13 @@ def program(kind, other, size):
     return "".join(f"CLEAR {line} PRINT .\n" for line in lines)
 
 
+# What a function leaves while it is still being made: slices of two kinds, joined later.
+REMEMBERED = """
+3000000 INTERVAL @BIG SET MONADIC 1000 * ; @PLUS SET .
+BIG PLUS RESULT DISCARD BIG PLUS RESULT 0.5 * SUM PRINT BIG PLUS REEVALUATE SUM PRINT .
+"""
+
+
 def shown(console, options, text):
     run = subprocess.run([console, "-q", *options], input=text.encode(), capture_output=True,
                          timeout=600, check=False)
@@ -72,6 +79,7 @@ def main():
         for kind in KINDS:
             other, size = random.choice(list(KINDS)), random.choice(SIZES)
             compare(console, f"{kind} and {other}, {size}", program(kind, other, size))
+    compare(console, "remembered results", REMEMBERED)
     print(f"failures: {failures}")
     sys.exit(failures != 0)
 

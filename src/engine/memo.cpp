@@ -3,6 +3,7 @@
 #include "engine/calls.h"
 #include "engine/names.h"
 #include "engine/toaddr.h"
+#include "parallel/coprocessor.h"
 #include "values/refderef.h"
 #include "values/text.h"
 
@@ -92,6 +93,7 @@ Next call_and_remember(Activation& run, const Space& function, HashTable* table,
     const Space* below = run.top - function.arguments;
     bool stopped = true;
     const Next next = run_function(run, function, function.arguments, &stopped);
+    wait_for_coprocessors(); // what it left may still be in the making
     if (stopped)
         forget(table, key);
     else

@@ -16,3 +16,4 @@ release=$top/build/release
 /usr/bin/python3 "$top/bench/programs.py" "$release/tessor"
 "$release/bench/bench_arrays" /usr/bin/python3 "$top/bench/numpy_side.py" "${1:-9}"
 "$release/bench/bench_operators" /usr/bin/python3 "$top/bench/numpy_side.py" "${1:-7}"
+"$release/bench/bench_streams" "${1:-7}"

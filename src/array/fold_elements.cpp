@@ -119,7 +119,8 @@ private:
             if (flops >= 0) {
                 --f_.run.top;
                 operations += 1;
-                total_flops += static_cast<double>(flops);
+                flopos = static_cast<double>(flops);
+                total_flops += flopos;
                 return;
             }
         }

@@ -85,6 +85,7 @@ ActivationStart begin_activation() {
 void end_activation(const ActivationStart& start) {
     duration = read_clock() - start.entry;
     cell_start = {start.cell_time + duration, operations};
+    flopos = 0;
 }
 
 } // namespace tessor

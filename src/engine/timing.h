@@ -2,8 +2,8 @@
 //
 // A sentence is timed from the start of its run to its end, where the reports are printed. With
 // opstime every instruction that completes makes an entry in its record; attend::timing keeps the
-// machine off the short road then. What a nested run takes is its own: the cell that started it
-// counts from the end of that run.
+// machine off the short road then. What a nested run takes, and does, is its own: the cell that
+// started it counts from the end of that run.
 #pragma once
 
 #include "values/instructions.h"

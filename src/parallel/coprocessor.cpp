@@ -4,6 +4,7 @@
 #include "values/block.h"
 #include "values/native_stack.h"
 #include "values/shared.h"
+#include "values/timing.h"
 
 #include <algorithm>
 #include <csignal>
@@ -123,15 +124,29 @@ bool start(Worker& worker) {
     return pthread_create(&worker.thread, nullptr, vector_coprocessor_thread, &worker) == 0;
 }
 
+// Whose flops those of a job are: a reduction and a mask call a verb under their own cell.
+std::size_t instruction_of(const Space& cell) {
+    switch (cell.operation) {
+    case op::REDUCE:
+    case op::REDUCELASTAXIS: return cell.suboperation;
+    case op::MASK: return op::MULTIPLY;
+    default: return static_cast<std::size_t>(cell.operation);
+    }
+}
+
 // Waits for every worker of the job. True: one of them has reported.
 bool collect_slices(const Job& job) {
     bool failed = false;
+    double flops = 0;
     for (std::uint32_t i = job.streams - 1; i > 0; --i) {
         Worker& worker = workers[i - 1];
         take(worker.mainprocess);
         from_coprocessor[i] = {worker.op_flops, worker.total_flops, true};
+        flops += worker.op_flops;
         failed |= worker.reports.count != 0;
     }
+    if (opstime && job.cell.rank == kind::OPERATOR)
+        InstructionTiming[instruction_of(job.cell)].flops += flops;
     std::fflush(stdout);
     return failed;
 }

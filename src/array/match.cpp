@@ -101,7 +101,8 @@ bool same_frame(const Space& left, const Space& right) {
 double likeness(Activation& run, const Space& left, const Space& right) {
     op_flops = 1;
     const Score points = match(run, left, right);
-    operations += static_cast<double>(points.total / 2);
+    const std::uint64_t pairs = points.total / 2;
+    operations += static_cast<double>(pairs);
     const std::uint64_t won = points.score + (left.rank == right.rank) + (left.depth == right.depth)
                               + equal_extents(left, right);
     const auto axes = static_cast<std::uint64_t>(std::max({left.rank, right.rank, 0}));

@@ -202,7 +202,7 @@ void publish(Job& job) {
     }
 }
 
-void collect_job(bool may_throw) {
+void collect_job() {
     Job& job = *job_under_way;
     bool failed = collect_slices(job);
     job_under_way = nullptr;
@@ -215,8 +215,17 @@ void collect_job(bool may_throw) {
         exception(out_of_storage, nullptr, nullptr);
         failed = true;
     }
-    if (failed && may_throw)
+    if (failed)
         throw ErrorJump{-1};
+}
+
+void settle_job() noexcept {
+    try {
+        collect_job();
+    } catch (...) {
+        // What it is about has been printed; whoever settles is leaving anyway.
+        job_under_way = nullptr;
+    }
 }
 
 } // namespace tessor

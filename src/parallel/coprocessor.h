@@ -71,18 +71,19 @@ void stop_coprocessors();
 void publish(Job& job);
 
 /// Waits for the job under way, joins its slices and prints what workers reported.
-void collect_job(bool may_throw); ///< ErrorJump if a slice failed
+void collect_job(); ///< ErrorJump if a slice failed
+void settle_job() noexcept;
 
 /// Blocks until no worker has an outstanding slice. If a slice failed, its report is printed here,
 /// and the sentence ends: throws ErrorJump.
 inline void wait_for_coprocessors() {
     if (job_under_way) [[unlikely]]
-        collect_job(true);
+        collect_job();
 }
 /// The same where a failure is under way already: throws nothing.
 inline void settle_coprocessors() noexcept {
     if (job_under_way) [[unlikely]]
-        collect_job(false);
+        settle_job();
 }
 
 } // namespace tessor

@@ -54,6 +54,10 @@ REMEMBERED = """
 BIG PLUS RESULT DISCARD BIG PLUS RESULT 0.5 * SUM PRINT BIG PLUS REEVALUATE SUM PRINT .
 """
 
+DEEP = """
+(1 (2 (3 4))) 40000 RESHAPE DUP PITIMES PRINT NEGATIVE PRINT .
+"""
+
 
 def shown(console, options, text):
     run = subprocess.run([console, "-q", *options], input=text.encode(), capture_output=True,
@@ -80,6 +84,7 @@ def main():
             other, size = random.choice(list(KINDS)), random.choice(SIZES)
             compare(console, f"{kind} and {other}, {size}", program(kind, other, size))
     compare(console, "remembered results", REMEMBERED)
+    compare(console, "values three deep", DEEP)
     print(f"failures: {failures}")
     sys.exit(failures != 0)
 

@@ -142,8 +142,10 @@ Element transformed(const Frame& f, const MonadicVerb& verb, const Element& elem
         Copy copy(*element.subarray);
         Space* top = copy.get();
         const int mode = f.keep ? 1 : 0;
-        verb.verb(&top, f.cell, f.quads, static_cast<signed char>(f.slice ? mode - 2 : mode));
-        if (!f.slice)
+        // Inside a slice, however deep, nobody waits for the job that the slice belongs to.
+        const bool alone = f.slice || f.alone;
+        verb.verb(&top, f.cell, f.quads, static_cast<signed char>(alone ? mode - 2 : mode));
+        if (!alone)
             wait_for_coprocessors();
         result.tag = tag::subarray;
         result.subarray = copy.enclosed();

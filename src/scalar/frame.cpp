@@ -45,6 +45,7 @@ void choose_target(Frame& f) {
 // Whether workers are used.
 bool start(Frame& f, signed char mode, std::uint32_t n) {
     f.keep = (mode < 0 ? mode + 2 : mode) != 0;
+    f.alone = mode < 0;
     if (mode < 0 || !parallel_worthy(n))
         return false;
     wait_for_coprocessors();

@@ -30,6 +30,7 @@ struct Frame {
     Target target = Target::fresh;
     bool slice = false;       ///< a part of a result that several threads make
     std::uint32_t offset = 0; ///< what stands before the slice in the operands
+    bool alone = false;       ///< neither it nor what it holds may be shared between threads
 };
 
 /// A result in the making.

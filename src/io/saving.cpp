@@ -5,6 +5,7 @@
 #include "io/writers/dump.h"
 #include "io/writers/writer.h"
 #include "io/writing.h"
+#include "values/array.h"
 #include "values/shared.h"
 
 #include <string_view>
@@ -19,34 +20,62 @@ constexpr FileNumbers dump_numbers = {721, 722, 723};
 constexpr FileNumbers remember_numbers = {724, 725, 726};
 
 constexpr int records_of_a_batch = 257;
-constexpr std::string_view batch_end = ".\n";
 
-// A name that begins like one of a class goes back as it is typed, any other between quotes, where
-// it may hold any byte but the one that closes them.
-void write_target(Writer& out, std::string_view name) {
+bool is_prefix(char byte) {
     constexpr std::string_view prefixes = "_.$%";
-    const bool bare = prefixes.find(name[0]) != prefixes.npos || name.find('\x03') != name.npos;
-    out.put(bare ? " @" : " @\x02");
-    out.put(name);
-    out.put(bare ? " SET\n" : "\x03 SET\n");
+    return prefixes.find(byte) != prefixes.npos;
 }
 
-void write_record(Writer& out, const Bucket& bucket) {
+// True if the scanner takes the bare name for one of a class, or only a part of it for the name.
+bool misread_bare(std::string_view name) {
+    constexpr std::string_view ends = " \t\r\n.;\"()|";
+    const char second = name.size() > 1 ? name[1] : ' ';
+    const bool letter = (second >= 'A' && second <= 'Z') || (second >= 'a' && second <= 'z');
+    return letter || second == '_' || name.find_first_of(ends, 1) != name.npos;
+}
+
+void write_address_of_key(Writer& out, std::string_view name) {
+    Space key;
+    make_text(key, name.data(), name.size());
+    const Held held(key);
+    write_value(out, key, {0, Style::source, true});
+    out.put(" AT");
+}
+
+// A name that begins like one of a class goes back as it is typed, any other between quotes. What
+// would not be read back either way was made from a text, as which it goes back. The names of
+// inner tables are those of classes.
+void write_target(Writer& out, std::string_view name, bool inner) {
+    const bool prefixed = is_prefix(name[0]);
+    const bool quotable = name.find('\x03') == name.npos;
+    out.count_cells(2);
+    if (prefixed ? !inner && misread_bare(name) : !quotable) {
+        write_address_of_key(out, name);
+    } else {
+        out.put(prefixed ? " @" : " @\x02");
+        out.put(name);
+        if (!prefixed)
+            out.put('\x03');
+    }
+    out.put(" SET\n");
+}
+
+void write_record(Writer& out, const Bucket& bucket, bool inner) {
     PrintOut = true;
     write_value(out, *bucket.value, {0, Style::source, false});
     PrintOut = false;
-    write_target(out, bucket.name);
+    write_target(out, bucket.name, inner);
 }
 
-void remember_table(Writer& out, const HashTable* hash) {
+void remember_table(Writer& out, const HashTable* hash, bool inner) {
     int records = 0;
     for (std::uint32_t index = 0; const Bucket* bucket = next_used(hash, index); ++index) {
         for (; bucket && bucket->name; bucket = bucket->next) {
             if (!is_set(bucket->value))
                 continue;
-            write_record(out, *bucket);
+            write_record(out, *bucket, inner);
             if (++records == records_of_a_batch) {
-                out.put(batch_end);
+                out.end_batch();
                 records = 0;
             }
         }
@@ -69,10 +98,12 @@ Next write_named(Activation& run, const FileNumbers& numbers, Write write) {
 
 void remember(std::FILE* stream, const MeaningTable* link) {
     Writer out(stream);
+    out.begin_batches(cells_of_a_batch);
+    const HashTable* base = base_hash(link);
     for (; link; link = link->outer)
         if (link->hash)
-            remember_table(out, link->hash);
-    out.put(batch_end);
+            remember_table(out, link->hash, link->hash != base);
+    out.end_batch();
 }
 
 Next save(Activation& run) {

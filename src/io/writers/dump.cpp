@@ -28,13 +28,14 @@ void disass(std::FILE* stream, const char* prefix, const Space& space, int level
 
 void dumpstack(std::FILE* stream, const Space* lowest, const Space* highest) {
     Writer out(stream);
+    out.begin_batches(cells_of_a_batch);
     for (; lowest <= highest; ++lowest) {
         PrintOut = true;
         write_value(out, *lowest, place_of(0, Mode::source));
         PrintOut = false;
         out.put('\n');
     }
-    out.put(".\n");
+    out.end_batch();
 }
 
 } // namespace tessor

@@ -19,7 +19,8 @@ void dump(std::FILE* stream, const char* prefix, const Space& space);
 /// Prefix and value at a nesting level. The caller sets and clears PrintOut.
 void disass(std::FILE* stream, const char* prefix, const Space& space, int level, Mode mode);
 
-/// The cells from `lowest` to `highest`, each in source form on a line of its own, then ".".
+/// The cells from `lowest` to `highest`, each in source form on a line of its own, then ".". The
+/// same line stands wherever a sentence has no room for more.
 void dumpstack(std::FILE* stream, const Space* lowest, const Space* highest);
 
 // For a person at a debugger; all print to standard output.

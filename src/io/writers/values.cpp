@@ -250,19 +250,31 @@ bool fits_literal(Writer& out, const Space& space) {
     return true;
 }
 
+// What stands for itself in a program, and isn't part of a literal or a function.
+void count_cells(Writer& out, Place place, int count) {
+    if (place.level == 0 && !place.item)
+        out.count_cells(count);
+}
+
 // An array that no literal gives: its elements one by one, then collected.
 void write_collected(Writer& out, const Space& space, Place place) {
     const bool several_items = space.elements > 1;
-    if (several_items)
+    if (several_items) {
+        count_cells(out, place, 1);
         out.put(" [.");
+    }
     write_each(out, space, false, [&](std::uint32_t i) {
         const Element element = element_at(space, i);
         bool joined = false;
-        if (element.tag == tag::subarray)
+        if (element.tag == tag::subarray) {
             write_value(out, *element.subarray, place);
-        else if (!write_constant_name(out, element, place))
+            return;
+        }
+        count_cells(out, place, 1);
+        if (!write_constant_name(out, element, place))
             write_element(out, element, place, true, joined);
     });
+    count_cells(out, place, space.rank > 1 ? 3 : 1);
     out.put(several_items ? " .]" : " ENCLOSE");
     if (space.rank > 1) {
         out.put(" (");
@@ -279,6 +291,7 @@ void write_list(Writer& out, const Space& space, Place place) {
         write_collected(out, space, place);
         return;
     }
+    count_cells(out, place, 1);
     const bool brackets = has_brackets(space, place);
     if (brackets)
         out.put(" (");
@@ -308,6 +321,7 @@ const Space* plainly_enclosed(Writer& out, const Space& space) {
 void write_enclosed_source(Writer& out, const Space& space, Place place) {
     if (const Space* inner = plainly_enclosed(out, space)) {
         bool joined = false;
+        count_cells(out, place, 1);
         out.put(" `(");
         if (has_data(*inner))
             write_elements(out, *inner, {place.level, place.style, true}, joined);
@@ -321,9 +335,11 @@ void write_enclosed_source(Writer& out, const Space& space, Place place) {
         write_value(out, *only.subarray, place);
     } else {
         bool joined = false;
+        count_cells(out, place, 1);
         write_element(out, only, place, true, joined);
     }
     // What ATOM encloses keeps a shape, a scalar has none.
+    count_cells(out, place, space.rank == 0 ? 2 : 1);
     out.put(space.rank == 0 ? " ATOM FIRST" : " ATOM");
 }
 
@@ -378,17 +394,24 @@ void write_scalar(Writer& out, const Space& space, Place place) {
         write_element(out, element, place, whole_as_integer(space), joined);
 }
 
-void write_data(Writer& out, const Space& space, Place place) {
+void write_lone(Writer& out, const Space& space, Place place) {
+    count_cells(out, place, 1);
     if (space.type & ISEMPTY)
         write_empty(out, space, place);
-    else if (is_enclosed(space))
-        write_enclosed(out, space, place);
     else if (space.rank == 0)
         write_scalar(out, space, place);
     else if (!has_data(space))
         out.put(place.level == 0 && place.style == Style::display ? " ." : " #NIL");
-    else if (is_text(space))
+    else
         write_text(out, space, place);
+}
+
+void write_data(Writer& out, const Space& space, Place place) {
+    const bool empty = (space.type & ISEMPTY) != 0;
+    if (!empty && is_enclosed(space))
+        write_enclosed(out, space, place);
+    else if (empty || space.rank == 0 || !has_data(space) || is_text(space))
+        write_lone(out, space, place);
     else
         write_list(out, space, place);
 }
@@ -397,10 +420,12 @@ void write_data(Writer& out, const Space& space, Place place) {
 
 void write_value(Writer& out, const Space& space, Place place) {
     guard_depth(out);
-    if (space.rank < 0)
+    if (space.rank < 0) {
+        count_cells(out, place, space.type & ISFUNCTION ? 2 : 1);
         write_cell(out, space, place);
-    else
+    } else {
         write_data(out, space, place);
+    }
     const bool instruction = space.rank == kind::OPERATOR || space.rank == kind::FUNCTION;
     if (place.style == Style::source && !instruction)
         write_condition(out, space);

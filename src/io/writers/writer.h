@@ -31,6 +31,22 @@ public:
     }
     void advance(const char* end) { used_ = static_cast<std::size_t>(end - buffer_); }
 
+    /// From now on the text is one of batches, each with room for so many cells.
+    void begin_batches(int room) { batch_room_ = room; }
+    /// What follows compiles to `count` cells: a batch that can't take them ends before.
+    void count_cells(int count) {
+        cells_ += count;
+        if (batch_room_ > 0 && cells_ > batch_room_) {
+            end_batch();
+            cells_ = count;
+        }
+    }
+    /// The line that ends a batch.
+    void end_batch() {
+        put(".\n");
+        cells_ = 0;
+    }
+
     /// Everything goes to the stream.
     void drain();
     /// Everything leaves the stream as well.
@@ -41,9 +57,14 @@ public:
 private:
     std::FILE* stream_;
     std::size_t used_ = 0;
-    int terminal_ = -1; ///< whether the stream is one; unknown while negative
+    int batch_room_ = 0; ///< 0: the text isn't one of batches
+    int cells_ = 0;      ///< cells of this batch so far
+    int terminal_ = -1;  ///< whether the stream is one; unknown while negative
     char buffer_[4096];
 };
+
+/// Cells that a batch has room for: as many as a sentence.
+inline constexpr int cells_of_a_batch = 1024;
 
 /// How a value is to look: for a person; as a person sees a text that stands inside an array; and
 /// so that the scanner reads it back.

@@ -1,8 +1,10 @@
 #include "frontend/names.h"
 
 #include "frontend/cells.h"
+#include "frontend/constants.h"
 #include "frontend/definitions.h"
 #include "frontend/numbers.h"
+#include "frontend/spellings.h"
 #include "io/writers/exception.h"
 #include "values/refderef.h"
 #include "values/text.h"
@@ -264,6 +266,14 @@ void scan_address(Scanner& s) {
     } else {
         begin_name(s);
     }
+}
+
+bool reads_as_word(const char* name) {
+    const std::string text = std::string(name) + ' ';
+    Input input;
+    restart(input, nullptr, text.c_str());
+    return find_spelling(input, false).length || find_constant(input, Place::code).length
+           || match_numeric(input, Place::code).length;
 }
 
 } // namespace tessor

@@ -22,4 +22,8 @@ void compile_quoted(Scanner& s);
 /// Begins to collect a plain name with the first byte of the input.
 void begin_name(Scanner& s);
 
+/// True if the scanner takes the bare name, or the beginning of it, for a word, a constant or a
+/// number as long as the name has no meaning.
+bool reads_as_word(const char* name);
+
 } // namespace tessor

@@ -1,6 +1,7 @@
 #include "io/saving.h"
 
 #include "engine/names.h"
+#include "frontend/names.h"
 #include "io/files.h"
 #include "io/writers/dump.h"
 #include "io/writers/writer.h"
@@ -8,6 +9,7 @@
 #include "values/array.h"
 #include "values/shared.h"
 
+#include <string>
 #include <string_view>
 
 namespace tessor {
@@ -20,6 +22,12 @@ constexpr FileNumbers dump_numbers = {721, 722, 723};
 constexpr FileNumbers remember_numbers = {724, 725, 726};
 
 constexpr int records_of_a_batch = 257;
+
+bool is_named(std::string_view word) {
+    return checkhash(memory, std::string(word).c_str()) != nullptr;
+}
+
+constexpr Vocabulary vocabulary = {reads_as_word, is_named};
 
 bool is_prefix(char byte) {
     constexpr std::string_view prefixes = "_.$%";
@@ -82,13 +90,20 @@ void remember_table(Writer& out, const HashTable* hash, bool inner) {
     }
 }
 
+template <class Write>
+void write_program(std::FILE* stream, Write write) {
+    Writer out(stream);
+    out.begin_batches(cells_of_a_batch, &vocabulary);
+    write(out);
+}
+
 // The file that the top names is open, `write` fills it, and the name goes.
 template <class Write>
 Next write_named(Activation& run, const FileNumbers& numbers, Write write) {
     OpenedFile file = open_named(*run.top, FileMode::write, numbers);
     if (file.number)
         return failed(run, file.number);
-    if (!write_to(file.stream, write))
+    if (!write_to(file.stream, [&](std::FILE* stream) { write_program(stream, write); }))
         return failed(run, numbers.failure);
     pop(run);
     return Next::advance;
@@ -96,9 +111,7 @@ Next write_named(Activation& run, const FileNumbers& numbers, Write write) {
 
 } // namespace
 
-void remember(std::FILE* stream, const MeaningTable* link) {
-    Writer out(stream);
-    out.begin_batches(cells_of_a_batch);
+void remember(Writer& out, const MeaningTable* link) {
     const HashTable* base = base_hash(link);
     for (; link; link = link->outer)
         if (link->hash)
@@ -107,25 +120,24 @@ void remember(std::FILE* stream, const MeaningTable* link) {
 }
 
 Next save(Activation& run) {
-    return write_named(run, save_numbers, [&run](std::FILE* stream) {
-        remember(stream, run.table);
-        dumpstack(stream, run.base, run.top - 1);
+    return write_named(run, save_numbers, [&run](Writer& out) {
+        remember(out, run.table);
+        write_stack(out, run.base, run.top - 1);
     });
 }
 
 Next do_remember(Activation& run) {
-    return write_named(run, remember_numbers,
-                       [&run](std::FILE* stream) { remember(stream, run.table); });
+    return write_named(run, remember_numbers, [&run](Writer& out) { remember(out, run.table); });
 }
 
 Next do_dumpstack(Activation& run) {
     if (run.top->type & ISEMPTY) {
-        dumpstack(stdout, run.base, run.top);
+        write_program(stdout, [&run](Writer& out) { write_stack(out, run.base, run.top); });
         std::fflush(stdout);
         return Next::advance;
     }
     return write_named(run, dump_numbers,
-                       [&run](std::FILE* stream) { dumpstack(stream, run.base, run.top - 1); });
+                       [&run](Writer& out) { write_stack(out, run.base, run.top - 1); });
 }
 
 Next load(Activation& run) {

@@ -6,14 +6,13 @@
 #pragma once
 
 #include "engine/machine.h"
-
-#include <cstdio>
+#include "io/writers/writer.h"
 
 namespace tessor {
 
 /// Every name that has a value, table by table from this link outward: the value in source form,
 /// and what sets the name to it.
-void remember(std::FILE* stream, const MeaningTable* link);
+void remember(Writer& out, const MeaningTable* link);
 
 /// SAVE: the names and this frame's values, its locals included. 708, 709, 713, 720.
 Next save(Activation& run);

@@ -53,9 +53,12 @@ bool needs_quotes(std::string_view name, bool address) {
 
 void write_name(Writer& out, const Space& cell, std::string_view prefix, Style style) {
     const std::string_view name = name_of(cell);
-    const bool quotes = style == Style::source && cell.name
-                        && (cell.suboperation == op::SGIG || !prefix.empty())
-                        && needs_quotes(name, cell.rank == kind::ADDRESS);
+    const bool address = cell.rank == kind::ADDRESS;
+    const Vocabulary* words = address ? nullptr : out.vocabulary();
+    const bool may_misread = cell.suboperation == op::SGIG || !prefix.empty() || words;
+    const bool quotes =
+        style == Style::source && cell.name && may_misread
+        && (needs_quotes(name, address) || (words && prefix.empty() && words->is_word(cell.name)));
     if (quotes)
         out.put('\x02');
     out.put(prefix);
@@ -145,6 +148,18 @@ void inspect_operator(Writer& out, const Space& cell) {
         out.put('\n');
 }
 
+// A word that stands for the instruction although it has been given another meaning.
+bool hides_meaning(const Writer& out, const Space& cell) {
+    const bool behind = cell.suboperation == behind_function
+                        && (cell.operation == op::IF_YES || cell.operation == op::IF_NO);
+    if (!out.vocabulary() || behind || cell.operation == op::NOOP
+        || cell.operation == op::FUNCTIONEND)
+        return false;
+    const std::string_view word = spelling_of(cell);
+    return out.vocabulary()->is_named(word)
+           || out.vocabulary()->is_named(word.substr(0, word.find(' ')));
+}
+
 // Jumps, checks, labels and comments end their line, so that a program falls into lines where its
 // control flow turns.
 void write_operator(Writer& out, const Space& cell, int level) {
@@ -163,6 +178,8 @@ void write_operator(Writer& out, const Space& cell, int level) {
         out.put(modified_name(cell));
         return;
     }
+    if (hides_meaning(out, cell))
+        out.put("::");
     out.put(spelling_of(cell));
     if (cell.operation == op::JUMP || cell.operation == op::CHECK) {
         out.put('\n');

@@ -26,9 +26,7 @@ void disass(std::FILE* stream, const char* prefix, const Space& space, int level
     out.flush();
 }
 
-void dumpstack(std::FILE* stream, const Space* lowest, const Space* highest) {
-    Writer out(stream);
-    out.begin_batches(cells_of_a_batch);
+void write_stack(Writer& out, const Space* lowest, const Space* highest) {
     for (; lowest <= highest; ++lowest) {
         PrintOut = true;
         write_value(out, *lowest, place_of(0, Mode::source));
@@ -36,6 +34,12 @@ void dumpstack(std::FILE* stream, const Space* lowest, const Space* highest) {
         out.put('\n');
     }
     out.end_batch();
+}
+
+void dumpstack(std::FILE* stream, const Space* lowest, const Space* highest) {
+    Writer out(stream);
+    out.begin_batches(cells_of_a_batch, nullptr);
+    write_stack(out, lowest, highest);
 }
 
 } // namespace tessor

@@ -9,6 +9,13 @@
 
 namespace tessor {
 
+/// What a text that is to be read back must know of the names that there will be then: what uses a
+/// name may be read before the name has its meaning, or after.
+struct Vocabulary {
+    bool (*is_word)(const char* name);       ///< no name, as long as it has no meaning
+    bool (*is_named)(std::string_view word); ///< a word that has been given a meaning
+};
+
 /// Collects text and hands it to the stream in large pieces; the rest goes out when it dies.
 class Writer {
 public:
@@ -32,7 +39,12 @@ public:
     void advance(const char* end) { used_ = static_cast<std::size_t>(end - buffer_); }
 
     /// From now on the text is one of batches, each with room for so many cells.
-    void begin_batches(int room) { batch_room_ = room; }
+    void begin_batches(int room, const Vocabulary* vocabulary) {
+        batch_room_ = room;
+        vocabulary_ = vocabulary;
+    }
+    /// Null: the text is read back, if at all, where the names mean what they mean now.
+    const Vocabulary* vocabulary() const { return vocabulary_; }
     /// What follows compiles to `count` cells: a batch that can't take them ends before.
     void count_cells(int count) {
         cells_ += count;
@@ -57,6 +69,7 @@ public:
 private:
     std::FILE* stream_;
     std::size_t used_ = 0;
+    const Vocabulary* vocabulary_ = nullptr;
     int batch_room_ = 0; ///< 0: the text isn't one of batches
     int cells_ = 0;      ///< cells of this batch so far
     int terminal_ = -1;  ///< whether the stream is one; unknown while negative
@@ -82,6 +95,9 @@ void write_value(Writer& out, const Space& space, Place place);
 
 /// A cell of a kind below 0: an instruction, a name, a function.
 void write_cell(Writer& out, const Space& cell, Place place);
+
+/// The cells from `lowest` to `highest` in source form, a line each, and the end of the batch.
+void write_stack(Writer& out, const Space* lowest, const Space* highest);
 
 /// The indent of a nesting level.
 void write_indent(Writer& out, int level);

@@ -1,15 +1,16 @@
-// INTERVAL: sequences of characters and numbers, and lattices of hypercomplex numbers.
+// INTERVAL: runs of characters and numbers, and lattices of hypercomplex numbers.
 #pragma once
 
 #include "engine/machine.h"
 
 namespace tessor {
 
-/// One to three elements: a count, from and to, or from, to and step. Two characters give those
-/// between them, one those from the blank on; real numbers a vector; complex numbers, quaternions
-/// and octonions an array with an axis for every component that takes part, the first running
-/// fastest. Elements come by repeated addition. An empty argument gives the integer 0. Raises 142,
-/// 146 and 153 to 158, with the argument as it was.
+/// INTERVAL of one to three elements: a count, from and to, or from, to and a step. Characters go
+/// from the first to the second, or from the blank to the only one. Numbers give a vector, of
+/// integers as long as all of them are near integers. Of complex numbers, quaternions and octonions
+/// each component is an axis of the result; last ones that are all 0 are dropped. An empty value
+/// gives 0. 142, 146, 153 to 158; the argument stays, but for hypercomplex ends on the real line,
+/// which are reals from then on.
 Next interval(Activation& run);
 
 } // namespace tessor

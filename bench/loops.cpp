@@ -139,14 +139,69 @@ void sum_runs() {
     }
     asm volatile("" : : "r"(to) : "memory");
 }
-void sum_columns() {
-    const double* __restrict from = arrays().reals;
+template <class T>
+void add_columns(const T* __restrict from) {
     double* __restrict to = arrays().real;
     std::fill_n(to, side, 0.0);
     for (std::size_t i = 0; i < side; ++i)
         for (std::size_t j = 0; j < side; ++j)
             to[j] += from[i * side + j];
     asm volatile("" : : "r"(to) : "memory");
+}
+void sum_columns() {
+    add_columns(arrays().reals);
+}
+void sum_int_columns() {
+    add_columns(arrays().ints);
+}
+void sum_int_runs() {
+    const std::int32_t* from = arrays().ints;
+    double* to = arrays().real;
+    for (std::size_t j = 0; j < side; ++j) {
+        std::int64_t sum = 0;
+        for (std::size_t i = 0; i < side; ++i)
+            sum += from[j * side + i];
+        to[j] = static_cast<double>(sum);
+    }
+    asm volatile("" : : "r"(to) : "memory");
+}
+void sum_pairs() {
+    const double* __restrict from = arrays().reals;
+    double* __restrict to = arrays().real;
+    for (std::size_t j = 0; j < length / 2; ++j)
+        to[j] = from[2 * j] + from[2 * j + 1];
+    asm volatile("" : : "r"(to) : "memory");
+}
+void sum_two_columns() {
+    const double* from = arrays().reals;
+    double left = 0;
+    double right = 0;
+    for (std::size_t j = 0; j < length / 2; ++j) {
+        left += from[2 * j];
+        right += from[2 * j + 1];
+    }
+    sink = left + right;
+}
+void interval_tenths() {
+    double* to = arrays().real;
+    double x = 0;
+    for (std::size_t i = 0; i < length; ++i, x += 0.1)
+        to[i] = x;
+    asm volatile("" : : "r"(to) : "memory");
+}
+void least_real() {
+    const double* from = arrays().reals;
+    double least = from[0];
+    for (std::size_t i = 0; i < length; ++i)
+        least = from[i] < least ? from[i] : least;
+    sink = least;
+}
+void all_true() {
+    const std::uint8_t* from = arrays().half;
+    std::uint8_t least = 1;
+    for (std::size_t i = 0; i < length; ++i)
+        least = std::min(least, from[i]);
+    sink = least;
 }
 void least_int() {
     const std::int32_t* from = arrays().ints;
@@ -207,11 +262,18 @@ std::vector<Row> rows() {
         {"9000000 INTERVAL", interval_ints, 1.3, "numpy.arange(1, 9000001, dtype=numpy.int32)",
          1.0},
         {"0.5 9e6 , INTERVAL", interval_reals, 1.3, "numpy.arange(0.5, 9000000.0)", 0},
+        {"0 899999.9 0.1 , , INTERVAL", interval_tenths, 1.3, "numpy.arange(0, 899999.95, 0.1)", 0},
         {"INTS SUM", sum_ints, 1.3, "INTS.sum()", 1.0},
         {"REALS SUM", sum_reals, 1.05, "REALS.sum()", 0},
         {"MATRIX SUM", sum_runs, 1.3, "MATRIX.sum(1)", 0},
         {"MATRIX SUMROWS", sum_columns, 1.3, "MATRIX.sum(0)", 1.0},
+        {"WHOLE SUM", sum_int_runs, 1.3, "WHOLE.sum(1)", 1.0},
+        {"WHOLE SUMROWS", sum_int_columns, 1.3, "WHOLE.sum(0)", 1.0},
+        {"PAIRS SUM", sum_pairs, 1.3, "PAIRS.sum(1)", 1.0},
+        {"PAIRS SUMROWS", sum_two_columns, 1.3, "PAIRS.sum(0)", 1.0},
         {"INTS SMALLEST", least_int, 1.3, "INTS.min()", 1.0},
+        {"REALS SMALLEST", least_real, 1.3, "REALS.min()", 1.0},
+        {"HALF ALL", all_true, 1.3, "HALF.all()", 0},
         {"REALS REVERSE", reverse_reals, 1.3, "REALS[::-1].copy()", 1.0},
         {"REALS 18000000 RESHAPE", twice, 1.3, "numpy.resize(REALS, 18000000)", 1.0},
         {"REALS 2 REPLICATE", twice, 1.3, "numpy.tile(REALS, 2)", 1.0},

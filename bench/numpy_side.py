@@ -62,8 +62,10 @@ def evaluate(repetitions, expression):
     if not named:
         values = numpy.arange(9_000_000, dtype=numpy.int64) * 7919 % 2003 - 1001
         reals = made(values, "float64")
-        named.update(numpy=numpy, INTS=made(values, "int32"), REALS=reals,
-                     HALF=made(values, "bool"), MATRIX=reals.reshape(3000, 3000),
+        ints = made(values, "int32")
+        named.update(numpy=numpy, INTS=ints, REALS=reals, HALF=made(values, "bool"),
+                     MATRIX=reals.reshape(3000, 3000), WHOLE=ints.reshape(3000, 3000),
+                     PAIRS=reals.reshape(-1, 2),
                      SMALL=reals * 1e-3, POSITIVE=numpy.abs(reals * 1e-3))
     run = eval(f"lambda: {expression}", named)  # the rows' own texts
     run()

@@ -73,6 +73,7 @@ int main(int argc, char** argv) {
     bench::bind_array("HALF", bench::Type::truth, bench::length, true);
     bench::Sentence("REALS (3000 3000) RESHAPE @MATRIX SET INTS (3000 3000) RESHAPE @WHOLE SET .")
         .run();
+    bench::Sentence("REALS (2 4500000) RESHAPE @PAIRS SET .").run();
     bench::Sentence("REALS 1e-3 MULTIPLY @SMALL SET SMALL MAGNITUDE @POSITIVE SET .").run();
     for (const bench::Row& row : bench::rows())
         if (argc < 5 || std::strstr(row.sentence, argv[4]))

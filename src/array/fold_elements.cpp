@@ -2,8 +2,8 @@
 // function.
 #include "array/folding.h"
 
-#include "io/writers/exception.h"
 #include "parallel/coprocessor.h"
+#include "scalar/frame.h"
 #include "values/refderef.h"
 
 #include <algorithm>
@@ -14,13 +14,11 @@ namespace tessor {
 
 namespace {
 
-constexpr double largest = 2147483647.0;
-
 int components_or_fail(const Folding& f, std::int32_t tag) {
     if (tag == tag::subarray)
-        fail(991, &f.run.top, f.run.now);
+        f.refuse(991);
     if (tag < tag::integer || tag > tag::octonion)
-        fail(994, &f.run.top, f.run.now);
+        f.refuse(994);
     return tag == tag::integer ? 1 : components_of(tag);
 }
 
@@ -39,7 +37,7 @@ Element narrowed(const double (&sum)[8]) {
         result.tag = tag::quaternion;
     else if (!zero(1, 2))
         result.tag = tag::complex;
-    else if (std::fabs(sum[0]) <= largest && std::trunc(sum[0]) == sum[0])
+    else if (std::fabs(sum[0]) <= largest_integer && std::trunc(sum[0]) == sum[0])
         return integer_element(static_cast<std::int32_t>(sum[0]));
     else
         return real_element(sum[0]);
@@ -58,6 +56,8 @@ Element component_sum(const Folding& f, std::uint32_t j, const double* doubles) 
     double sum[8] = {};
     for (std::uint32_t i = 0; i < f.n; ++i) {
         const std::uint32_t at = f.index(j, i);
+        if (i % long_stretch == 0)
+            look_at_signals();
         if (doubles) {
             sum[0] += doubles[at];
             continue;
@@ -77,28 +77,37 @@ Element component_sum(const Folding& f, std::uint32_t j, const double* doubles) 
 class Fold {
 public:
     explicit Fold(const Folding& f)
-        : f_(f), quick_(quick_verbs[f.verb]), verb_(bodies[f.verb].verb), base_(f.run.top) {}
+        : f_(f), quick_(quick_verbs[f.verb].verb), verb_(bodies[f.verb].verb), top_(f.run.top) {}
     Fold(const Fold&) = delete;
     Fold& operator=(const Fold&) = delete;
+    ~Fold() {
+        while (top_ > f_.run.top)
+            dereferencepoint(top_--);
+    }
 
-    /// Folds run j. The accumulator is left above the argument; its place.
-    Space* run(std::uint32_t j) {
-        if (base_ + 1 > stacktop)
-            fail(806, &f_.run.top, f_.run.now);
+    /// Folds run j; the accumulator goes into the results.
+    void run(std::uint32_t j, ArrayBuilder& results) {
+        if (top_ + 1 > stacktop)
+            f_.refuse(806);
         push(j, f_.forward ? 0 : f_.n - 1);
         for (std::uint32_t i = 1; i < f_.n; ++i) {
+            if (i % stretch_length == 0)
+                look_at_signals();
             push(j, f_.forward ? i : f_.n - 1 - i);
             if (!f_.forward)
-                std::swap(base_[1], base_[2]);
+                std::swap(top_[-1], top_[0]);
             combine();
         }
-        return base_ + 1;
+        take(results);
     }
+
+    /// Type bits of all accumulators.
+    std::uint32_t gathered() const { return gathered_; }
 
 private:
     void push(std::uint32_t j, std::uint32_t i) {
         const Element element = element_at(f_.data, f_.index(j, i));
-        Space& slot = f_.run.top[1];
+        Space& slot = top_[1];
         if (element.tag == tag::subarray) {
             slot = *element.subarray;
             referencepoint(&slot);
@@ -110,48 +119,48 @@ private:
             copy_scalar(slot, element);
             slot.type = ISSCALAR | (slot.type & ISINPLACE);
         }
-        ++f_.run.top;
+        ++top_;
     }
 
     void combine() {
-        if (quick_.verb) {
-            const long flops = quick_.verb(base_ + 1, base_ + 2, f_.run.quads);
-            if (flops >= 0) {
-                --f_.run.top;
-                operations += 1;
-                flopos = static_cast<double>(flops);
-                total_flops += flopos;
-                return;
-            }
+        const long flops = quick_ ? quick_(top_ - 1, top_, f_.run.quads) : -1;
+        if (flops < 0) {
+            verb_(&top_, f_.run.now, f_.run.quads, 0);
+            wait_for_coprocessors();
+            op_flops = 0;
+            return;
         }
-        verb_(&f_.run.top, f_.run.now, f_.run.quads, 0);
-        wait_for_coprocessors();
-        op_flops = 0;
+        --top_;
+        operations += 1;
+        flopos = static_cast<double>(flops);
+        total_flops += flopos;
+    }
+
+    // A run of one element brings no type of its own.
+    void take(ArrayBuilder& results) {
+        Space& accumulator = *top_;
+        gathered_ |= type_of(accumulator);
+        if (accumulator.rank != 0 || !has_data(accumulator)) {
+            gathered_ |= STRUCTURED;
+            results.add_enclosed(accumulator);
+            --top_;
+            return;
+        }
+        if (f_.n == 1)
+            gathered_ |= kind_bit(first_tag(accumulator));
+        if (accumulator.type & ISINPLACE)
+            results.add_in_place(accumulator);
+        else
+            results.add_copies(accumulator.data_pointer, 1);
+        dereferencepoint(top_--);
     }
 
     const Folding& f_;
-    const Quick quick_;
+    const VerbInPlace quick_;
     const Verb verb_;
-    Space* const base_;
+    Space* top_;
+    std::uint32_t gathered_ = 0;
 };
-
-// Takes the accumulator off the stack into the results.
-void take(const Folding& f, ArrayBuilder& results, std::uint32_t& gathered) {
-    Space& accumulator = *f.run.top;
-    gathered |= type_of(accumulator);
-    if (accumulator.rank != 0) {
-        results.add_enclosed(accumulator);
-        --f.run.top;
-        gathered |= STRUCTURED;
-        return;
-    }
-    gathered |= kind_bit(first_tag(accumulator));
-    if (accumulator.type & ISINPLACE)
-        results.add_in_place(accumulator);
-    else
-        results.add_copies(accumulator.data_pointer, 1);
-    pop(f.run);
-}
 
 void* reversed(ArrayBuilder& results) {
     const std::uint32_t n = results.size();
@@ -173,11 +182,8 @@ void* reversed(ArrayBuilder& results) {
 Folded fold_components(const Folding& f) {
     const double* doubles = doubles_of(f.data);
     ArrayBuilder results(f.m);
-    for (std::uint32_t j = 0; j < f.m; ++j) {
+    for (std::uint32_t j = 0; j < f.m; ++j)
         results.add(component_sum(f, j, doubles));
-        if (signal_noted())
-            take_signals();
-    }
     std::uint32_t kinds = results.kinds() & numeric_kinds;
     if (f.m > 1 && several(kinds))
         kinds |= COMPLEXED;
@@ -186,22 +192,20 @@ Folded fold_components(const Folding& f) {
 
 Folded fold_generally(const Folding& f) {
     ArrayBuilder results(f.m);
-    std::uint32_t gathered = 0;
     Fold fold(f);
     for (std::uint32_t j = 0; j < f.m; ++j) {
-        fold.run(f.forward ? j : f.m - 1 - j);
-        take(f, results, gathered);
-        if (signal_noted())
-            take_signals();
+        look_at_signals();
+        fold.run(f.forward ? j : f.m - 1 - j, results);
     }
-    std::uint32_t set = gathered & (element_kinds | COMPLEXED | STRUCTURED);
-    if (f.m > 1 && several(gathered & numeric_kinds))
+    std::uint32_t set = fold.gathered() & (element_kinds | COMPLEXED | STRUCTURED);
+    std::uint32_t clear = element_kinds | COMPLEXED | STRUCTURED;
+    if (f.m > 1 && several(set & numeric_kinds))
         set |= COMPLEXED;
-    if (f.m == 1 && f.result.rank > 0)
+    if (f.m == 1 && f.rank > 0) {
         set |= ISVECTOR | ISONEELEMENT;
-    const std::uint32_t shape = f.m == 1 && f.result.rank > 0 ? ISARRAY : 0u;
-    void* block = f.forward || f.m == 1 ? results.finish() : reversed(results);
-    return {block, set, element_kinds | COMPLEXED | STRUCTURED | shape};
+        clear |= ISARRAY;
+    }
+    return {f.forward || f.m == 1 ? results.finish() : reversed(results), set, clear};
 }
 
 } // namespace tessor

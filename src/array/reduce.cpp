@@ -72,31 +72,42 @@ BlockHandle reduced_shape(const Space& value, bool last_axis) {
     return BlockHandle(shape);
 }
 
-// Gives the value its reduced frame. Its data stay.
-void reduce_frame(Space& value, std::uint32_t m, bool last_axis) {
-    BlockHandle shape = reduced_shape(value, last_axis);
+// The argument's frame without the axis that is folded; it owns the shape.
+struct Frame {
+    BlockHandle shape;
+    std::int32_t rank;
+    std::uint32_t elements;
+    std::uint32_t type;
+
+    Frame(const Space& value, std::uint32_t m, bool last_axis)
+        : shape(reduced_shape(value, last_axis)),
+          rank(value.rank - 1),
+          elements(m),
+          type((value.type & ~frame_bits) | shape_bits(value.rank - 1, m)) {}
+};
+
+// The value's new data, in its new frame; the old ones go.
+void replace(Space& value, Frame& frame, void* block) {
+    release_data(value.data_pointer, value.elements);
     release_shape(value);
-    value.rank -= 1;
-    value.elements = m;
-    value.last_index = static_cast<std::int32_t>(m) - 1;
-    value.shape_pointer = shape.release();
+    value.rank = frame.rank;
+    value.type = frame.type;
+    value.shape_pointer = frame.shape.release();
     if (value.rank == 0)
         value.depth = 0;
-    value.type = (value.type & ~frame_bits) | shape_bits(value.rank, m);
+    value.elements = frame.elements;
+    value.last_index = static_cast<std::int32_t>(frame.elements) - 1;
+    value.data_pointer = block;
+    if (value.rank == 0)
+        settle_scalar(value);
 }
 
-// The argument's data, held aside until the fold has ended.
-class HeldData {
-public:
-    explicit HeldData(const Space& value) : space_(value) {}
-    HeldData(const HeldData&) = delete;
-    HeldData& operator=(const HeldData&) = delete;
-    ~HeldData() { release_data(space_.data_pointer, space_.elements); }
-    const Space& space() const { return space_; }
-
-private:
-    Space space_;
-};
+// What stays of a value whose fold has failed: as many of its elements as its frame has then.
+void keep_first(Space& value, Frame& frame) {
+    ArrayBuilder first(frame.elements);
+    first.add_copies(value.data_pointer, frame.elements);
+    replace(value, frame, first.finish());
+}
 
 bool is_arithmetic(int verb) {
     return verb == op::ADD || verb == op::SUBTRACT || verb == op::MULTIPLY || verb == op::DIVIDE;
@@ -104,44 +115,29 @@ bool is_arithmetic(int verb) {
 
 Folded fold(const Folding& f) {
     const std::uint32_t mixed = f.data.type & (COMPLEXED | STRUCTURED);
-    if (is_arithmetic(f.verb) && mixed == 0 && (f.data.type & numeric_kinds))
-        return fold_inline(f);
     if (f.verb == op::ADD && mixed == COMPLEXED)
         return fold_components(f);
-    if (f.verb == op::MINIMUM || f.verb == op::MAXIMUM) {
-        const Folded folded = fold_extremes(f);
-        if (folded.block)
-            return folded;
-    }
-    return fold_generally(f);
+    Folded folded;
+    if (is_arithmetic(f.verb) && mixed == 0)
+        folded = fold_inline(f);
+    else if (mixed == 0)
+        folded = fold_choices(f);
+    return folded.block ? folded : fold_generally(f);
 }
 
-// What stays of a value whose fold has failed: as many of its elements as its frame has now.
-void keep_first(Space& result, const Space& data) {
-    ArrayBuilder first(result.elements);
-    try {
-        first.add_copies(data.data_pointer, result.elements);
-        result.data_pointer = first.finish();
-    } catch (const OutOfStorage&) {
-        const std::int16_t depth = result.depth;
-        release_shape(result);
-        make_empty(result);
-        result.depth = depth;
-    }
-    if (result.rank == 0)
-        settle_scalar(result);
-}
-
-void complete(Space& result, const Folded& folded) {
-    result.data_pointer = folded.block;
-    result.type = (result.type & ~folded.clear) | folded.set;
-    if (result.rank == 0)
-        settle_scalar(result);
+Folded checked_fold(const Activation& run, Folding f) {
+    const Fold* found = fold_of(f.verb);
+    if (!found)
+        f.refuse(79);
+    if (!found->takes_characters && (run.top->type & characters))
+        f.refuse(75);
+    f.forward = found->forward;
+    return fold(f);
 }
 
 Next reduce_axis(Activation& run, bool last_axis) {
     Space& value = *run.top;
-    if (value.type & ISINPLACE || !value.data_pointer)
+    if ((value.type & ISINPLACE) || !value.data_pointer)
         return Next::advance;
     if (value.type & ISADDRESS)
         fail(145, &run.top, run.now);
@@ -149,23 +145,17 @@ Next reduce_axis(Activation& run, bool last_axis) {
         return Next::advance;
     const auto n = static_cast<std::uint32_t>(extent(value, last_axis ? value.rank - 1 : 0));
     const std::uint32_t m = value.elements / n;
-    const Space before = value;
-    reduce_frame(value, m, last_axis);
-    const HeldData data(before);
-    value.data_pointer = nullptr;
-    operations += before.elements;
+    Frame frame(value, m, last_axis);
+    operations += value.elements;
     try {
-        const Fold* found = fold_of(run.now->suboperation);
-        if (!found)
-            fail(79, &run.top, run.now);
-        if (!found->takes_characters && (before.type & characters))
-            fail(75, &run.top, run.now);
-        complete(value,
-                 fold({run, data.space(), value, n, m, last_axis, found->verb, found->forward}));
-    } catch (...) {
-        while (run.top > &value)
-            pop(run);
-        keep_first(value, data.space());
+        const Folded folded =
+            checked_fold(run, {run, value, frame.rank, n, m, last_axis, run.now->suboperation,
+                               /*forward=*/false});
+        frame.type = (frame.type & ~folded.clear) | folded.set;
+        replace(value, frame, folded.block);
+    } catch (const ErrorJump& jump) {
+        if (jump.value == -1) // not for a signal
+            keep_first(value, frame);
         throw;
     }
     return Next::advance;

@@ -263,11 +263,21 @@ Next run_cell(Activation& run, const Space& cell) {
     return cell.rank >= 0 ? push_literal(run, cell) : run_other(run);
 }
 
+// A line that is typed at an inspection prompt may report the sentence so far.
+void settle_counts(Activation& run) {
+    run.count->settle(0);
+    for (Activation* caller = run.outer; caller; caller = caller->outer)
+        if (caller->count)
+            caller->count->settle(1);
+}
+
 // Everything that seldom stands before a cell. What a person takes isn't the cell's time.
 void attend_to(Activation& run) {
     take_signals();
     if (run.trace || run.step || Trace || Step) {
         wait_for_coprocessors();
+        if (run.step || Step)
+            settle_counts(run);
         inspect(run);
         if (opstime)
             read_clock();

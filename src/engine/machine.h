@@ -19,6 +19,8 @@ inline constexpr int stack_cells = 16585;
 extern Space stack[stack_cells]; ///< cell 0 stays empty below the bottom
 extern Space* sp;                ///< top between sentences
 
+class CellCount;
+
 struct Activation {
     Space* first;        ///< first cell of the list
     Space* cell;         ///< current cell of the list
@@ -31,15 +33,16 @@ struct Activation {
     MeaningTable* table; ///< link in force; this activation holds a count on it
     MeaningTable* entry; ///< the link that it began with
     Space* quads;
-    Activation* outer;       ///< the activation that this one interrupts
-    int depth;               ///< 0 for a fresh run
-    int check = -1;          ///< last CHECK: -1 none yet, 0 no, 1 yes
-    bool own_locals = false; ///< the cells from base to floor were made for this activation
-    bool in_body = false;    ///< a function's body: the cell before `first` is its header
-    bool trace = false;      ///< trace lines in this activation
-    bool step = false;       ///< inspection prompt at every cell of this activation
-    bool left = false;       ///< it has ended: nothing is to be salvaged
-    bool stopped = false;    ///< it has ended early
+    Activation* outer;          ///< the activation that this one interrupts
+    int depth;                  ///< 0 for a fresh run
+    int check = -1;             ///< last CHECK: -1 none yet, 0 no, 1 yes
+    CellCount* count = nullptr; ///< of the run under way
+    bool own_locals = false;    ///< the cells from base to floor were made for this activation
+    bool in_body = false;       ///< a function's body: the cell before `first` is its header
+    bool trace = false;         ///< trace lines in this activation
+    bool step = false;          ///< inspection prompt at every cell of this activation
+    bool left = false;          ///< it has ended: nothing is to be salvaged
+    bool stopped = false;       ///< it has ended early
 
     Activation(Space* first, MeaningTable* table, Space* base, Space* floor, Space* top,
                Space* quads, int depth);

@@ -8,6 +8,7 @@
 #include "engine/machine.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace tessor {
 
@@ -15,14 +16,21 @@ namespace tessor {
 /// of the sentence. They are added when the count ends, however the activation does.
 class CellCount {
 public:
-    explicit CellCount(const Activation& run) : run_(run), from_(run.cell) {}
+    explicit CellCount(Activation& run) : run_(run), from_(run.cell) { run.count = this; }
     CellCount(const CellCount&) = delete;
     CellCount& operator=(const CellCount&) = delete;
     ~CellCount() {
-        operators += static_cast<double>(before_ + (run_.cell - from_) + 1);
+        settle(1);
+        run_.count = nullptr;
+    }
+    /// Adds what has been counted so far, with the current cell (1) or without (0).
+    void settle(int current_cell) {
+        const std::ptrdiff_t cells = before_ + (run_.cell - from_) + current_cell;
+        operators += static_cast<double>(cells);
+        before_ -= cells;
         if (verbs_) {
-            operations += static_cast<double>(verbs_);
-            total_flops += static_cast<double>(flops_);
+            operations += static_cast<double>(std::exchange(verbs_, 0));
+            total_flops += static_cast<double>(std::exchange(flops_, 0));
         }
     }
 
@@ -43,7 +51,7 @@ public:
     void end() { --before_; }
 
 private:
-    const Activation& run_;
+    Activation& run_;
     const Space* from_; ///< first cell since the last jump
     std::ptrdiff_t before_ = 0;
     long verbs_ = 0;

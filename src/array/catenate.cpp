@@ -23,6 +23,8 @@ void take_right(Activation& run) {
 
 // A scalar as a vector of one.
 void make_one_vector(Space& value) {
+    if (value.rank != 0 && (value.type & ISSCALAR)) // an atom
+        value.type = (value.type & ~ISSCALAR) | ISVECTOR | ISONEELEMENT;
     if (value.rank != 0)
         return;
     std::int32_t* shape = new_shape(1);
@@ -44,7 +46,7 @@ void make_one_vector(Space& value) {
     value.last_index = 0;
     value.type = (value.type & ~(ISSCALAR | ISINPLACE)) | ISVECTOR | ISONEELEMENT;
     value.rank = 1;
-    value.depth = 1;
+    value.depth = std::max<std::int16_t>(value.depth, 1);
     value.shape_pointer = shape;
 }
 
@@ -68,8 +70,8 @@ void add(ArrayBuilder& all, const Space& value) {
 
 std::uint32_t joined_type(const Space& left, const Space& right) {
     std::uint32_t type = (left.type & ~(all_class_bits | ISINPLACE)) | ISVECTOR;
-    type |= right.type & (element_kinds | COMPLEXED | STRUCTURED);
-    return several(type & element_kinds) ? type | COMPLEXED : type;
+    type |= right.type & (element_kinds | COMPLEXED | STRUCTURED | ISSTRUCTURE);
+    return several(type & (element_kinds | STRUCTURED)) ? type | COMPLEXED : type;
 }
 
 void join(Space& left, const Space& right) {

@@ -7,6 +7,7 @@
 #include "values/refderef.h"
 #include "values/shared.h"
 
+#include <cmath>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -16,6 +17,7 @@ namespace tessor {
 namespace {
 
 constexpr double modulus = 2147483647.0;
+constexpr double furthest = 9e18; ///< what an origin that takes the modulus away gives is no number
 constexpr std::int32_t widest_table = 1 << 29; ///< ranges up to this get a bit for each number
 
 bool is_single(const Space& value) {
@@ -77,7 +79,8 @@ private:
 
 std::int64_t drawn(std::int32_t range, std::int32_t origin) {
     const auto u = static_cast<std::uint32_t>(PRNGS(&prngs_seed));
-    return origin + static_cast<std::int64_t>(static_cast<double>(u) * range / (origin + modulus));
+    const double part = static_cast<double>(u) * range / (origin + modulus);
+    return origin + (std::fabs(part) < furthest ? static_cast<std::int64_t>(part) : 0);
 }
 
 BlockHandle dealt(std::int32_t n, std::int32_t range, std::int32_t origin) {

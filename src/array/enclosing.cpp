@@ -25,15 +25,11 @@ bool is_array(const Space& value) {
 // A scalar with element i; subarrays stay enclosed.
 Space scalar_of(const Space& value, std::uint32_t i) {
     Space scalar{};
-    if (value.type & ISINPLACE) {
-        scalar = value;
-        return scalar;
-    }
     ArrayBuilder single(1);
     single.add_copies(value.data_pointer, 1, i);
     scalar.elements = 1;
     scalar.data_pointer = single.finish();
-    scalar.type = ISSCALAR;
+    scalar.type = (value.type & ~all_class_bits) | ISSCALAR;
     recompute_kinds(scalar, true);
     if (!(scalar.type & STRUCTURED))
         scalar.depth = 0;

@@ -6,7 +6,7 @@ namespace tessor {
 
 namespace {
 
-constexpr std::uint32_t recomputed = element_kinds | COMPLEXED | STRUCTURED;
+constexpr std::uint32_t recomputed = element_kinds | COMPLEXED | STRUCTURED | ISSTRUCTURE;
 
 } // namespace
 

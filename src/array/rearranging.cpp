@@ -80,13 +80,12 @@ void turn_axes(T* to, const T* from, const Axes& axes, std::int32_t axis) {
     }
 }
 
-void turn_shape(Space& value) {
+BlockHandle turned_shape(const Space& value) {
     const std::int32_t rank = value.rank;
-    std::int32_t* shape = new_shape(rank);
+    BlockHandle shape(new_shape(rank));
     for (std::int32_t axis = 0; axis < rank; ++axis)
-        shape[axis] = extent(value, rank - 1 - axis);
-    release_shape(value);
-    value.shape_pointer = shape;
+        shape.as<std::int32_t>()[axis] = extent(value, rank - 1 - axis);
+    return shape;
 }
 
 } // namespace
@@ -115,13 +114,15 @@ Next transpose(Activation& run) {
     if (value.rank > most_axes)
         return failed(run, 970);
     const Axes axes = axes_of(value);
+    BlockHandle shape = turned_shape(value);
     rearrange(value, [&]<class T>(T* to, const T* from) {
         if (axes.rank == 2)
             turn(to, from, axes.extent[0], axes.extent[1]);
         else
             turn_axes(to, from, axes, 0);
     });
-    turn_shape(value);
+    release_shape(value);
+    value.shape_pointer = shape.release();
     return Next::advance;
 }
 

@@ -100,14 +100,15 @@ void take_selected(Space& data, const Selection& s, std::int32_t axis, std::int3
     if (block)
         recompute_kinds(data, false);
     else
-        data.type &= ~(element_kinds | COMPLEXED | STRUCTURED);
+        data.type &= ~(element_kinds | COMPLEXED | STRUCTURED | ISSTRUCTURE);
 }
 
 Next compress_axis(Activation& run, bool last_axis) {
     Space& data = run.top[-1];
     const Space& mask = *run.top;
     operations += data.rank < 0 ? 0 : data.elements;
-    if (mask.rank < 0 || (mask.type & element_kinds) != HASINTEGER || !has_data(mask))
+    if (mask.rank < 0 || (mask.type & (element_kinds | STRUCTURED)) != HASINTEGER
+        || !has_data(mask))
         return failed(run, 4);
     if (mask.type & (ISSCALAR | ISONEELEMENT)) {
         if (element_at(mask, 0).integer < 1)
@@ -120,7 +121,7 @@ Next compress_axis(Activation& run, bool last_axis) {
     if (data.rank < 1)
         return failed(run, 31);
     const std::int32_t axis = last_axis ? data.rank - 1 : 0;
-    if (extent(data, axis) != static_cast<std::int32_t>(mask.elements) || !data.data_pointer)
+    if (extent(data, axis) != static_cast<std::int32_t>(mask.elements))
         return failed(run, 31);
     std::uint32_t kept = 0;
     const BlockHandle keep = keepers(mask, kept);

@@ -22,7 +22,7 @@ struct Signum {
     template <Hypercomplex T>
     static int flops(const T& x, std::int32_t) {
         double flops = 3;
-        if constexpr (width < T >> 2) {
+        if constexpr (2 < width<T>) {
             flops = 0;
             width<T> == 4 ? csgnquat(x.c, flops) : csgnocto(x.c, flops);
         }

@@ -272,7 +272,7 @@ std::vector<Row> rows() {
         {"PAIRS SUM", sum_pairs, 1.3, "PAIRS.sum(1)", 1.0},
         {"PAIRS SUMROWS", sum_two_columns, 1.3, "PAIRS.sum(0)", 1.0},
         {"INTS SMALLEST", least_int, 1.3, "INTS.min()", 1.0},
-        {"REALS SMALLEST", least_real, 1.3, "REALS.min()", 1.0},
+        {"REALS SMALLEST", least_real, 1.3, "REALS.min()", 0},
         {"HALF ALL", all_true, 1.3, "HALF.all()", 0},
         {"REALS REVERSE", reverse_reals, 1.3, "REALS[::-1].copy()", 1.0},
         {"REALS 18000000 RESHAPE", twice, 1.3, "numpy.resize(REALS, 18000000)", 1.0},

@@ -8,6 +8,7 @@
 #include "values/shared.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tessor {
 
@@ -18,36 +19,50 @@ inline constexpr std::uint32_t run_stretch = 1 << 20;
 template <class Value>
 inline constexpr std::uint32_t side_by_side = sizeof(Value) <= sizeof(double) ? 8 : 2;
 
-/// Folds runs whose elements are adjacent. `load(i)` gives element i, `step(accumulator, x)` the
-/// next accumulator; `put(j, accumulator)` takes result j.
-template <bool forward, std::uint32_t together, class Load, class Step, class Put>
-void fold_adjacent(std::uint32_t n, std::uint32_t first, Load load, Step step, Put put) {
-    const std::size_t base = std::size_t{first} * n;
-    const auto at = [=](std::uint32_t run, std::uint32_t i) {
-        return base + std::size_t{run} * n + (forward ? i : n - 1 - i);
-    };
-    decltype(load(0)) accumulators[together];
-    for (std::uint32_t r = 0; r < together; ++r)
-        accumulators[r] = load(at(r, 0));
-    for (std::uint32_t i = 1; i < n;) {
-        const std::uint32_t stop = n - i < run_stretch ? n : i + run_stretch;
-        for (; i < stop; ++i)
-            for (std::uint32_t r = 0; r < together; ++r)
-                accumulators[r] = step(accumulators[r], load(at(r, i)));
-        look_at_signals();
-    }
-    for (std::uint32_t r = 0; r < together; ++r)
-        put(first + r, accumulators[r]);
+/// Elements i to stop - 1 of as many runs as there are numbers `r`. Constant indices, and no call
+/// in sight, keep the accumulators in registers.
+template <class Value, class Element, class Step, std::uint32_t... r>
+[[gnu::noinline]] void fold_stretch(Value* accumulators, std::uint32_t i, std::uint32_t stop,
+                                    Element element, Step step,
+                                    std::integer_sequence<std::uint32_t, r...>) {
+    Value values[] = {accumulators[r]...};
+    for (; i < stop; ++i)
+        ((values[r] = step(values[r], element(r, i))), ...);
+    ((accumulators[r] = values[r]), ...);
 }
 
+/// Folds such runs, from `first` on. `at(run, i)` is the place of element i of a run, `load(place)`
+/// gives the element, `step(accumulator, x)` the next accumulator; `put(j, accumulator)` takes
+/// result j.
+template <bool forward, class At, class Load, class Step, class Put, std::uint32_t... r>
+void fold_together(std::uint32_t n, std::uint32_t first, At at, Load load, Step step, Put put,
+                   std::integer_sequence<std::uint32_t, r...> runs) {
+    const auto element = [=](std::uint32_t run, std::uint32_t i) {
+        return load(at(first + run, forward ? i : n - 1 - i));
+    };
+    decltype(element(0, 0)) accumulators[] = {element(r, 0)...};
+    for (std::uint32_t i = 1; i < n;) {
+        const std::uint32_t stop = n - i < run_stretch ? n : i + run_stretch;
+        fold_stretch(accumulators, i, stop, element, step, runs);
+        i = stop;
+        look_at_signals();
+    }
+    (put(first + r, accumulators[r]), ...);
+}
+
+template <std::uint32_t count>
+inline constexpr std::make_integer_sequence<std::uint32_t, count> numbers{};
+
+/// Folds runs whose elements are adjacent.
 template <bool forward, class Value, class Load, class Step, class Put>
 void fold_rows(std::uint32_t n, std::uint32_t m, Load load, Step step, Put put) {
     constexpr std::uint32_t together = side_by_side<Value>;
+    const auto at = [=](std::uint32_t run, std::uint32_t i) { return std::size_t{run} * n + i; };
     std::uint32_t j = 0;
     for (; m - j >= together; j += together)
-        fold_adjacent<forward, together>(n, j, load, step, put);
+        fold_together<forward>(n, j, at, load, step, put, numbers<together>);
     for (; j < m; ++j)
-        fold_adjacent<forward, 1>(n, j, load, step, put);
+        fold_together<forward>(n, j, at, load, step, put, numbers<1>);
 }
 
 /// Bytes of accumulators that stay in the nearest cache.
@@ -104,10 +119,23 @@ void fold_columns(std::uint32_t n, std::uint32_t m, Load load, Step step, Put pu
     }
 }
 
+/// So few columns that registers hold them.
+template <bool forward, std::uint32_t m, class Load, class Step, class Put>
+void fold_narrow(std::uint32_t n, Load load, Step step, Put put) {
+    const auto at = [](std::uint32_t run, std::uint32_t i) { return std::size_t{i} * m + run; };
+    fold_together<forward>(n, 0, at, load, step, put, numbers<m>);
+}
+
 template <bool forward, class Value, class Load, class Step, class Put>
 void fold_runs(const Folding& f, Load load, Step step, Put put) {
     if (f.adjacent())
         fold_rows<forward, Value>(f.n, f.m, load, step, put);
+    else if (f.m == 2)
+        fold_narrow<forward, 2>(f.n, load, step, put);
+    else if (f.m == 3)
+        fold_narrow<forward, 3>(f.n, load, step, put);
+    else if (f.m == 4)
+        fold_narrow<forward, 4>(f.n, load, step, put);
     else
         fold_columns<forward, Value>(f.n, f.m, load, step, put);
 }

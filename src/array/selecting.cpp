@@ -163,7 +163,13 @@ int repeat(Space& data, std::int32_t k) {
     *static_cast<std::int32_t*>(extents) = static_cast<std::int32_t>(n);
     Space shape;
     make_vector(shape, 1, extents, HASINTEGER);
-    const int number = reshape_data(&data, &shape);
+    int number = 0;
+    try {
+        number = reshape_data(&data, &shape);
+    } catch (const OutOfStorage&) {
+        dereferencepoint(&shape);
+        throw;
+    }
     if (number)
         dereferencepoint(&shape);
     return number;

@@ -65,7 +65,6 @@ void take(sem_t& semaphore) {
 
 void run_slice(Worker& worker, Job& job) {
     op_flops = 0;
-    const double before = total_flops;
     try {
         job.run(job, worker.index);
     } catch (const ErrorJump&) {
@@ -75,7 +74,7 @@ void run_slice(Worker& worker, Job& job) {
     } catch (const std::bad_alloc&) {
         worker.reports.add(out_of_storage);
     }
-    worker.op_flops = total_flops - before;
+    worker.op_flops = op_flops;
     worker.total_flops = total_flops;
 }
 

@@ -144,7 +144,9 @@ Element transformed(const Frame& f, const MonadicVerb& verb, const Element& elem
         const int mode = f.keep ? 1 : 0;
         // Inside a slice, however deep, nobody waits for the job that the slice belongs to.
         const bool alone = f.slice || f.alone;
+        const double counted = total_flops;
         verb.verb(&top, f.cell, f.quads, static_cast<signed char>(alone ? mode - 2 : mode));
+        total_flops = counted; // op_flops goes on, and is added once, at the verb's own end
         if (!alone)
             wait_for_coprocessors();
         result.tag = tag::subarray;

@@ -1,6 +1,7 @@
 // Every dyadic verb on every pair of kinds gives the same in every layout of the same data.
 #include "scalar/random.h"
 #include "scalar_test.h"
+#include "shell/dispatch.h"
 
 #include <limits>
 
@@ -201,6 +202,50 @@ TEST(ScalarLayouts, MonadicVerbsSeeNoLayout) {
                     }
                     EXPECT_EQ(results[0], results[1]) << data.name;
                 }
+}
+
+// A verb on numbers in place, if it takes them; what it counts is left to its caller.
+std::string outcome_in_place(const Quick& quick, Space left, const Space& right) {
+    Space system_values[8] = {};
+    make_real(system_values[quad_ct], 1e-15, form::logical);
+    Run result;
+    const long flops = quick.verb(&left, quick.pops ? &right : nullptr, system_values);
+    if (flops < 0)
+        return "";
+    result.flops = static_cast<double>(flops);
+    result.counted = 1;
+    result.values = {left};
+    return result.whole();
+}
+
+Space general_scalar(const Element& element) {
+    Space space = scalar(element);
+    own_elements(space);
+    return space;
+}
+
+TEST(ScalarLayouts, VerbsInPlaceDoAndCountTheSame) {
+    fill_dispatch();
+    int taken = 0;
+    for (int i = 0; i < instruction_count; ++i) {
+        const Quick& quick = quick_verbs[i];
+        for (const Data& l : all_data)
+            for (const Data& r : all_data)
+                for (std::size_t k = 0; quick.verb && k < 49; ++k) {
+                    const Element& left = l.elements[k % 7];
+                    const Element& right = r.elements[k / 7];
+                    const std::string found = outcome_in_place(quick, scalar(left), scalar(right));
+                    if (found.empty())
+                        continue;
+                    std::vector<Space> operands = {general_scalar(left)};
+                    if (quick.pops)
+                        operands.push_back(general_scalar(right));
+                    ASSERT_EQ(found, run(bodies[i].verb, operands).whole())
+                        << instruction_name(i) << " of " << l.name << " and " << r.name;
+                    ++taken;
+                }
+    }
+    EXPECT_GT(taken, 10000);
 }
 
 } // namespace

@@ -29,36 +29,13 @@ bool is_named(std::string_view word) {
 
 constexpr Vocabulary vocabulary = {reads_as_word, is_named};
 
-bool is_prefix(char byte) {
-    constexpr std::string_view prefixes = "_.$%";
-    return prefixes.find(byte) != prefixes.npos;
-}
-
-// True if the scanner takes the bare name for one of a class, or only a part of it for the name.
-bool misread_bare(std::string_view name) {
-    constexpr std::string_view ends = " \t\r\n.;\"()|";
-    const char second = name.size() > 1 ? name[1] : ' ';
-    const bool letter = (second >= 'A' && second <= 'Z') || (second >= 'a' && second <= 'z');
-    return letter || second == '_' || name.find_first_of(ends, 1) != name.npos;
-}
-
-void write_address_of_key(Writer& out, std::string_view name) {
-    Space key;
-    make_text(key, name.data(), name.size());
-    const Held held(key);
-    write_value(out, key, {0, Style::source, true});
-    out.put(" AT");
-}
-
-// A name that begins like one of a class goes back as it is typed, any other between quotes. What
-// would not be read back either way was made from a text, as which it goes back. The names of
-// inner tables are those of classes.
+// A name that begins like one of a class goes back as it is typed, any other between quotes. The
+// names of inner tables are those of classes.
 void write_target(Writer& out, std::string_view name, bool inner) {
-    const bool prefixed = is_prefix(name[0]);
-    const bool quotable = name.find('\x03') == name.npos;
+    const bool prefixed = has_prefix(name);
     out.count_cells(2);
-    if (prefixed ? !inner && misread_bare(name) : !quotable) {
-        write_address_of_key(out, name);
+    if (is_key(name) && !(prefixed && inner)) {
+        write_key(out, name);
     } else {
         out.put(prefixed ? " @" : " @\x02");
         out.put(name);

@@ -136,7 +136,8 @@ template <bool fused>
 }
 
 // The compiler must not see the 2, or it makes the product of it.
-[[gnu::noipa]] double library_square(double x, double two) {
+double library_square(double x) {
+    static const volatile double two = 2;
     return std::pow(x, two);
 }
 
@@ -185,7 +186,7 @@ void settle_doubts(Bases<L> bases, std::uint32_t n, double* powers, const std::i
             continue;
         for (std::uint32_t i = group; i < group + 8; ++i)
             if (doubts[i] != 0)
-                powers[i] = library_square(bases[i], 2.0);
+                powers[i] = library_square(bases[i]);
     }
 }
 
@@ -212,7 +213,7 @@ struct Loops {
                 settle_doubts(x, some, to, doubts);
         }
         for (std::uint32_t i = n; i < s.n; ++i)
-            powers[i] = library_square(bases(s)[i], 2.0);
+            powers[i] = library_square(bases(s)[i]);
     }
     static void root(const Stretch& s, double* powers, bool& misfit) {
         const Bases<L> x = bases(s);

@@ -3,6 +3,7 @@
 
 #include "values/array.h"
 #include "values/instructions.h"
+#include "values/refderef.h"
 
 #include <cstring>
 
@@ -43,21 +44,25 @@ bool begins_word(char byte) {
 bool needs_quotes(std::string_view name, bool address) {
     constexpr std::string_view ends = " \t\r\n.;\"()|\x02\x03";
     constexpr std::string_view others = "'`@:+-*/^v0123456789";
-    constexpr std::string_view prefixes = "_$%";
-    if (name.empty() || others.find(name[0]) != name.npos || name.find_first_of(ends) != name.npos)
-        return true;
-    if (name.size() > 1 && prefixes.find(name[0]) != name.npos && begins_word(name[1]))
+    if (others.find(name[0]) != name.npos || name.find_first_of(ends) != name.npos)
         return true;
     return !address && name.find('!', 1) != name.npos;
+}
+
+// True if the scanner takes the bare name for one of a class, or only a part of it for the name.
+bool misread_bare(std::string_view name) {
+    constexpr std::string_view ends = " \t\r\n.;\"()|";
+    return (name.size() > 1 && begins_word(name[1])) || name.find_first_of(ends, 1) != name.npos;
 }
 
 void write_name(Writer& out, const Space& cell, std::string_view prefix, Style style) {
     const std::string_view name = name_of(cell);
     const bool address = cell.rank == kind::ADDRESS;
     const Vocabulary* words = address ? nullptr : out.vocabulary();
-    const bool may_misread = cell.suboperation == op::SGIG || !prefix.empty() || words;
+    const bool may_misread = cell.suboperation == op::SGIG || !prefix.empty() || out.vocabulary();
+    const bool quotable = !name.empty() && !has_prefix(name) && name.find('\x03') == name.npos;
     const bool quotes =
-        style == Style::source && cell.name && may_misread
+        style == Style::source && quotable && may_misread
         && (needs_quotes(name, address) || (words && prefix.empty() && words->is_word(cell.name)));
     if (quotes)
         out.put('\x02');
@@ -87,6 +92,10 @@ void write_address(Writer& out, const Space& cell, Place place) {
         out.put(text.heading);
         out.put(" ADDRESS:\t");
     } else {
+        if (out.vocabulary() && text.prefix.empty() && is_key(name_of(cell))) {
+            write_key(out, name_of(cell));
+            return;
+        }
         out.put(" @");
     }
     write_name(out, cell, text.prefix, place.style);
@@ -230,6 +239,24 @@ void write_function(Writer& out, const Space& function, int level) {
 }
 
 } // namespace
+
+bool has_prefix(std::string_view name) {
+    constexpr std::string_view prefixes = "_.$%";
+    return !name.empty() && prefixes.find(name[0]) != prefixes.npos;
+}
+
+bool is_key(std::string_view name) {
+    return has_prefix(name) ? misread_bare(name) : name.find('\x03') != name.npos;
+}
+
+void write_key(Writer& out, std::string_view name) {
+    struct Key : Space {
+        ~Key() { dereferencepoint(this); }
+    } key;
+    make_text(key, name.data(), name.size());
+    write_value(out, key, {0, Style::source, true});
+    out.put(" AT");
+}
 
 // Only a cell that stands for itself is labelled; inside a value it looks as it was typed.
 void write_cell(Writer& out, const Space& cell, Place place) {

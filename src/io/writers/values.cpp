@@ -123,13 +123,18 @@ void write_quoted_text(Writer& out, const Space& text, Place place) {
     const bool source = place.style == Style::source;
     // A single quoted byte in an array would be an element, not a text.
     const bool all_bits = source && place.item && text.elements == 1;
+    // A quote as the second byte would end such an element.
+    const auto ends_element = [&](std::uint8_t byte, std::uint32_t i) {
+        return source && place.item && i == 1 && byte == '\'';
+    };
     out.put(" '");
     write_each(out, text, false, [&](std::uint32_t i) {
         const Element element = element_at(text, i);
         const std::uint8_t byte = element.character;
         if (element.tag == tag::unicode)
             write_hexadecimal(out, element.unicode);
-        else if (element.form == form::binary || all_bits || (source && needs_bits(byte, text, i)))
+        else if (element.form == form::binary || all_bits || (source && needs_bits(byte, text, i))
+                 || ends_element(byte, i))
             write_quoted_bits(out, byte);
         else
             out.put(byte == '\'' ? std::string_view("''")

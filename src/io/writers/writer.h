@@ -96,6 +96,14 @@ void write_value(Writer& out, const Space& space, Place place);
 /// A cell of a kind below 0: an instruction, a name, a function.
 void write_cell(Writer& out, const Space& cell, Place place);
 
+/// True if a name begins like one of a class.
+bool has_prefix(std::string_view name);
+/// True if the scanner reads a name back as this one neither bare nor between quotes: it was made
+/// from a text.
+bool is_key(std::string_view name);
+/// Such a name's address: its text, and AT.
+void write_key(Writer& out, std::string_view name);
+
 /// The cells from `lowest` to `highest` in source form, a line each, and the end of the batch.
 void write_stack(Writer& out, const Space* lowest, const Space* highest);
 

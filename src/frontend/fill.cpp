@@ -252,4 +252,9 @@ int fill(Space* cells, MeaningTable* table, std::FILE* stream, const char** text
     return n;
 }
 
+void reset_scanner() {
+    drop_literals(scanner);
+    scanner = {};
+}
+
 } // namespace tessor

@@ -19,4 +19,7 @@ enum class LineEnd : int { blank = 0, ends = 1, inspects = 2 };
 /// then).
 int fill(Space* cells, MeaningTable* table, std::FILE* stream, const char** text, LineEnd mode);
 
+/// Forgets what earlier sentences have left open: the next one begins in code.
+void reset_scanner();
+
 } // namespace tessor

@@ -364,6 +364,10 @@ const Meaning& meaning_of(const Word& word) {
     return meanings[word.row];
 }
 
+std::span<const Word> all_spellings() {
+    return spellings.words;
+}
+
 WordMatch find_spelling(Input& input, bool across_lines) {
     return match_word(input, 0, spellings, across_lines);
 }

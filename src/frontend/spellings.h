@@ -5,6 +5,8 @@
 #include "values/instructions.h"
 #include "values/space.h"
 
+#include <span>
+
 namespace tessor {
 
 /// What a spelling does beyond writing the cell of its own instruction.
@@ -43,6 +45,9 @@ const Meaning& meaning_of(const Word& word);
 
 /// The longest spelling that the input begins with.
 WordMatch find_spelling(Input& input, bool across_lines);
+
+/// All spellings, in the order of their bytes.
+std::span<const Word> all_spellings();
 
 /// Permanent counted texts: no bytes, the end of a definition, a line end.
 char* empty_spelling();

@@ -146,16 +146,6 @@ void prompt() {
     std::fflush(stdout);
 }
 
-// One sentence of standard input, compiled and run.
-void read_and_run() {
-    CellBuffer buffer;
-    fill_prompted(buffer.cells(), variables, LineEnd::blank);
-    stacktop = stack + stack_cells - 2;
-    operations = 0;
-    operators = 0;
-    sp = machine(buffer.cells(), variables, stack + 1, stack + 1, sp, quads, 0);
-}
-
 void read_execute_loop(bool quiet) {
     while (!endprocess) {
         if (!quiet)
@@ -222,6 +212,15 @@ void end(const Options& options, double starttime) {
 }
 
 } // namespace
+
+void read_and_run() {
+    CellBuffer buffer;
+    fill_prompted(buffer.cells(), variables, LineEnd::blank);
+    stacktop = stack + stack_cells - 2;
+    operations = 0;
+    operators = 0;
+    sp = machine(buffer.cells(), variables, stack + 1, stack + 1, sp, quads, 0);
+}
 
 int console(int argc, char** argv) {
     buffer_streams();

@@ -172,24 +172,19 @@ bool hides_meaning(const Writer& out, const Space& cell) {
 // Jumps, checks, labels and comments end their line, so that a program falls into lines where its
 // control flow turns.
 void write_operator(Writer& out, const Space& cell, int level) {
-    out.put(' ');
     if (cell.operation == op::NOOP && cell.suboperation == comment && cell.name) {
-        out.put('"');
+        out.put(" \"");
         out.put(name_of(cell));
         out.put("\"\n");
         return;
     }
     if (is_conditional(cell) && !cell.name) {
-        if (cell.elements != 0) {
-            out.put(instruction_name(static_cast<int>(cell.elements)));
-            out.put(' ');
-        }
-        out.put(modified_name(cell));
+        if (cell.elements != 0)
+            write_spelling(out, instruction_name(static_cast<int>(cell.elements)), false);
+        write_spelling(out, modified_name(cell), false);
         return;
     }
-    if (hides_meaning(out, cell))
-        out.put("::");
-    out.put(spelling_of(cell));
+    write_spelling(out, spelling_of(cell), hides_meaning(out, cell));
     if (cell.operation == op::JUMP || cell.operation == op::CHECK) {
         out.put('\n');
         write_indent(out, level);

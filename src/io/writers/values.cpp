@@ -266,7 +266,7 @@ void write_collected(Writer& out, const Space& space, Place place) {
     const bool several_items = space.elements > 1;
     if (several_items) {
         count_cells(out, place, 1);
-        out.put(" [.");
+        write_spelling(out, "[.", false);
     }
     write_each(out, space, false, [&](std::uint32_t i) {
         const Element element = element_at(space, i);

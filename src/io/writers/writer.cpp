@@ -17,6 +17,7 @@ void Writer::put(std::string_view text) {
         drain();
         if (text.size() > sizeof buffer_) {
             std::fwrite(text.data(), 1, text.size(), stream_);
+            drained_ = text.back();
             return;
         }
     }
@@ -25,6 +26,7 @@ void Writer::put(std::string_view text) {
 }
 
 void Writer::drain() {
+    drained_ = last();
     if (used_ > 0)
         std::fwrite(buffer_, 1, used_, stream_);
     used_ = 0;
@@ -50,6 +52,16 @@ void Writer::seam() {
 void write_indent(Writer& out, int level) {
     for (int i = 0; i < level; ++i)
         out.put("   ");
+}
+
+void write_spelling(Writer& out, std::string_view spelling, bool first_meaning) {
+    constexpr std::string_view ends_of_literals = "')`]";
+    const bool like_shape =
+        spelling.substr(0, 1) == "[" && ends_of_literals.find(out.last()) != spelling.npos;
+    out.put(' ');
+    if (first_meaning || like_shape)
+        out.put("::");
+    out.put(spelling);
 }
 
 void write_integer(Writer& out, std::int32_t value) {

@@ -38,6 +38,9 @@ public:
     }
     void advance(const char* end) { used_ = static_cast<std::size_t>(end - buffer_); }
 
+    /// The last byte of the text so far; 0 if there is none.
+    char last() const { return used_ > 0 ? buffer_[used_ - 1] : drained_; }
+
     /// From now on the text is one of batches, each with room for so many cells.
     void begin_batches(int room, const Vocabulary* vocabulary) {
         batch_room_ = room;
@@ -69,6 +72,7 @@ public:
 private:
     std::FILE* stream_;
     std::size_t used_ = 0;
+    char drained_ = 0; ///< the last byte that has left the buffer
     const Vocabulary* vocabulary_ = nullptr;
     int batch_room_ = 0; ///< 0: the text isn't one of batches
     int cells_ = 0;      ///< cells of this batch so far
@@ -109,6 +113,10 @@ void write_stack(Writer& out, const Space* lowest, const Space* highest);
 
 /// The indent of a nesting level.
 void write_indent(Writer& out, int level);
+
+/// An instruction's spelling behind a blank, with :: if it is to have its first meaning whatever it
+/// has been given, or would be read as the shape of the literal in front of it.
+void write_spelling(Writer& out, std::string_view spelling, bool first_meaning);
 
 /// The number in digits.
 void write_integer(Writer& out, std::int32_t value);

@@ -1,5 +1,7 @@
 // Two streams against one: the speed-up of Tessor's workers beside that of a plain program that
-// gives half of the same loop to a second thread, in turns, in one run.
+// gives half of the same loop to a second thread, in turns, in one run. Then what the main thread
+// does meanwhile: a long verb, and a loop of scalar work that doesn't touch its result, one after
+// the other and both at once.
 //
 //   bench_streams [ROUNDS]
 #include "clock.h"
@@ -11,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace bench {
@@ -66,6 +69,52 @@ void measure_job(int rounds) {
     std::putchar('\n');
 }
 
+std::string loop_of(int turns) {
+    return "0 @T SET " + std::to_string(turns) + " MONADIC T + @T SET ; LOOP";
+}
+
+struct Overlap {
+    double returns; ///< of the verb's time, until the main thread has it behind it
+    double of_sum;
+    double of_possible; ///< of the longer one, or of the work shared by all processors
+};
+
+Overlap overlap(Sentence& verb, Sentence& loop, Sentence& both) {
+    const double processors = std::min(std::thread::hardware_concurrency(), tessor::cpus);
+    tessor::processors = 1;
+    const double serial = verb.time(1);
+    tessor::processors = tessor::cpus;
+    const double alone = verb.time(1);
+    const double turns = loop.time(1);
+    const double together = both.time(1);
+    Sentence begun("A EXP .");
+    const double returned = begun.time(1);
+    Sentence("DISCARD .").run();
+    const double least = std::max({alone, turns, (serial + turns) / processors});
+    return {returned / alone, together / (alone + turns), together / least};
+}
+
+// A loop that takes as long as the verb. The result is behind it, which is where it is waited for.
+void measure_overlap(int rounds) {
+    constexpr int probe = 100'000;
+    Sentence verb("A EXP DISCARD .");
+    const int turns =
+        static_cast<int>(probe * verb.time(3) / Sentence(loop_of(probe) + " .").time(3));
+    Sentence loop(loop_of(turns) + " .");
+    Sentence both("A EXP " + loop_of(turns) + " DISCARD .");
+    std::vector<double> returns, of_sum, of_possible;
+    for (int round = 0; round < rounds; ++round) {
+        const Overlap o = overlap(verb, loop, both);
+        returns.push_back(o.returns);
+        of_sum.push_back(o.of_sum);
+        of_possible.push_back(o.of_possible);
+    }
+    std::printf("A EXP, and a loop beside it, %u streams:", tessor::cpus);
+    verdict("of the sum", spread_of(of_sum).median, spread_of(of_sum).median < 0.85);
+    verdict("of the possible", spread_of(of_possible).median, spread_of(of_possible).median < 1.2);
+    std::printf("  (EXP returns after %.3f of its time)\n", spread_of(returns).median);
+}
+
 } // namespace
 
 } // namespace bench
@@ -85,7 +134,10 @@ int main(int argc, char** argv) {
         for (const bench::HalvedRow& row : bench::halved_rows())
             bench::measure(row, n, rounds);
     }
-    tessor::processors = 2;
+    tessor::stop_coprocessors();
+    // With three streams the main thread's slice is small.
+    tessor::start_coprocessors(3);
+    bench::measure_overlap(rounds);
     tessor::stop_coprocessors();
     std::printf("targets missed: %d\n", bench::missed);
     return 0;

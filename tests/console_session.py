@@ -21,7 +21,7 @@ class Console:
     """A console on pipes or in a pseudo-terminal. What it has written and nobody has looked at yet
     stands in `written`."""
 
-    def __init__(self, path, in_terminal=False):
+    def __init__(self, path, in_terminal=False, options=()):
         self.terminal, far = pty.openpty() if in_terminal else (None, None)
         if far:
             settings = termios.tcgetattr(far)
@@ -29,7 +29,7 @@ class Console:
             settings[3] &= ~termios.ECHO
             termios.tcsetattr(far, termios.TCSANOW, settings)
         self.process = subprocess.Popen(
-            [path], stdin=far or subprocess.PIPE, stdout=far or subprocess.PIPE,
+            [path, *options], stdin=far or subprocess.PIPE, stdout=far or subprocess.PIPE,
             stderr=subprocess.PIPE, preexec_fn=lambda: self.prepare(far))
         if far:
             os.close(far)

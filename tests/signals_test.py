@@ -11,9 +11,10 @@ import platform
 import random
 import re
 import signal
+import sys
 import time
 
-from console_session import SECONDS, run, same
+from console_session import SECONDS, Console, run, same
 
 WORDS = "NILADIC + ; VERB @HIT SET : %AGAIN @%AGAIN JUMP ; VERB @SPIN SET .\n"
 INSTRUCTION = "\n\nInstruction:\n . "
@@ -135,6 +136,21 @@ def test_inside_an_instruction(console):
                 break
         same(left, 3)
         console.ask("CLEAR .\n", "\n-\n", 0)
+
+
+def test_beside_workers(_):
+    console = Console(os.path.abspath(sys.argv[1]), options=["-c2"])
+    console.ask(WORDS, "\n-\n", 0)
+    console.ask("5000000 INTERVAL 1e-6 * @MANY SET .\n", "\n-\n", 0)
+    # A value that the machine waits for is given up; one that it doesn't wait for gets finished.
+    hit(console, "HIT MANY FACTORIAL 7 + .\n", signal.SIGINT)
+    same(console.answer(), (INTERRUPTED, 2))
+    console.ask("DISCARD SHAPE .\n", "\n\n 0", 1)
+    hit(console, "CLEAR MANY FACTORIAL 7 HIT SPIN .\n", signal.SIGINT)
+    same(console.answer(), (INTERRUPTED, 2))
+    console.ask("DISCARD MANY FACTORIAL = ALL .\n", "\n\n 1", 1)
+    console.process.kill()
+    console.process.wait()
 
 
 def both_printing(console):

@@ -5,8 +5,9 @@
 #include "parallel/slices.h"
 #include "scalar/frame.h"
 #include "scalar/simd.h"
+#include "values/array.h"
 #include "values/hypercomplex.h"
-#include "values/layout.h"
+#include "values/refderef.h"
 #include "values/shared.h"
 
 #include <algorithm>
@@ -20,6 +21,7 @@ namespace {
 struct FillJob : Job {
     Lattice lattice;
     void* block = nullptr;
+    Space* made = nullptr;
 };
 
 // The record of the one job that there is at a time.
@@ -203,28 +205,39 @@ void run_on_worker(Job& base, std::uint32_t stream) {
     total_flops += op_flops;
 }
 
+void collect(Job& base) {
+    Space& made = *static_cast<FillJob&>(base).made;
+    if (base.given_up) {
+        dereferencepoint(&made);
+        make_empty(made);
+    }
+}
+
 void fill_shared(const Lattice& lattice, std::uint32_t n, void* block, const Space& cell,
-                 const Space* result) {
+                 Space* result) {
     wait_for_coprocessors();
     FillJob& job = the_job();
     job.run = run_on_worker;
+    job.collect = nullptr;
     job.cell = cell;
     job.count = n;
-    job.result = result;
+    job.result = job.made = result;
     job.lattice = lattice;
     job.block = block;
     publish(job);
     try {
         fill_slice(lattice, block, slice_of(n, job.streams, 0));
     } catch (...) {
+        give_up_job();
         settle_coprocessors();
         throw;
     }
+    job.collect = collect;
 }
 
 } // namespace
 
-void* filled(const Lattice& lattice, std::uint32_t n, const Space& cell, const Space* result) {
+void* filled(const Lattice& lattice, std::uint32_t n, const Space& cell, Space* result) {
     const Storage storage = tag_storage(lattice.tag);
     BlockHandle block(allocate_items(n, item_size(storage), encode({storage, lattice.form, 0})));
     if (parallel_worthy(n) && lattice.tag != tag::ascii)

@@ -37,6 +37,6 @@ struct Lattice {
 /// A packed block with the n elements of a lattice, n above 0. Large ones are shared with the
 /// workers, which may go on behind the return, so that `result`, the cell that the block is for,
 /// may not be touched before the next wait. Counts the flops of this thread in op_flops.
-void* filled(const Lattice& lattice, std::uint32_t n, const Space& cell, const Space* result);
+void* filled(const Lattice& lattice, std::uint32_t n, const Space& cell, Space* result);
 
 } // namespace tessor

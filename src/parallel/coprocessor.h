@@ -25,8 +25,9 @@ extern std::uint32_t thrds;      ///< threads per processor
 /// Element count above which work is shared; 1001 for each stream at the start.
 extern std::int32_t MIN_PARALLEL;
 
-/// Cells of a worker's own value stack; the top but two is its stacktop.
-inline constexpr std::ptrdiff_t worker_cells = 1024;
+/// Cells of a worker's own value stack, which recursions use; the top but two is its stacktop. As
+/// many as the main thread has, so that nesting fails on a worker no sooner.
+inline constexpr std::ptrdiff_t worker_cells = 16585;
 
 /// The stream that this thread is: 0 on the main thread.
 extern constinit thread_local std::uint32_t stream_index;
@@ -36,13 +37,15 @@ struct Job {
     /// The work of one stream but the first, on its thread. Throws ErrorJump or OutOfStorage.
     void (*run)(Job& job, std::uint32_t stream) = nullptr;
     /// On the main thread, when all streams have ended; null: nothing is to be done then. If it
-    /// throws OutOfStorage, the value in the making is whole nevertheless, such as an empty vector.
+    /// throws OutOfStorage, or the job was given up, the value in the making is whole nevertheless,
+    /// such as an empty vector.
     void (*collect)(Job& job) = nullptr;
     Space cell{};              ///< the instruction, for reports
     std::uint32_t streams = 1; ///< that share the work
     std::uint32_t count = 0;   ///< elements of the whole
     /// The stack cell of the value in the making; null if there is none.
     const Space* result = nullptr;
+    bool given_up = false; ///< some worker has left it early
 };
 
 /// What the main thread knows of a stream.
@@ -74,8 +77,13 @@ void publish(Job& job);
 void collect_job(); ///< ErrorJump if a slice failed
 void settle_job() noexcept;
 
+/// Tells the workers to leave the job under way, of which nothing is wanted any more. It has to be
+/// waited for nevertheless.
+void give_up_job() noexcept;
+
 /// Blocks until no worker has an outstanding slice. If a slice failed, its report is printed here,
-/// and the sentence ends: throws ErrorJump.
+/// and the sentence ends: throws ErrorJump. So does a signal that comes meanwhile: the job is given
+/// up then.
 inline void wait_for_coprocessors() {
     if (job_under_way) [[unlikely]]
         collect_job();

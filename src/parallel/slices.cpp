@@ -12,11 +12,11 @@ std::uint32_t UPPER(std::uint32_t count, std::uint32_t streams, std::uint32_t in
         return static_cast<std::uint32_t>(last);
     // A share is rounded up from a fraction of three quarters on.
     const double each = static_cast<double>(count) / streams;
-    const double least = MIN_PARALLEL;
+    const auto least = static_cast<std::uint32_t>(MIN_PARALLEL);
     const bool large = streams >= 3 && each > least;
-    const double rest = large ? (count - least) / (streams - 1) : each;
+    const double rest = large ? static_cast<double>(count - least) / (streams - 1) : each;
     const auto share = static_cast<std::int64_t>(rest + 0.25);
-    const std::int64_t first = large ? std::int64_t{MIN_PARALLEL} - 1 : share;
+    const std::int64_t first = large ? std::int64_t{least} - 1 : share;
     return static_cast<std::uint32_t>(std::clamp(first + index * share - 1, std::int64_t{0}, last));
 }
 

@@ -171,44 +171,15 @@ std::uint32_t run_elements(const Frame& f, const MonadicVerb& verb, ArrayBuilder
     return results.kinds();
 }
 
-// A data block of n elements that goes with its owner.
-struct OwnedData {
-    void* block;
-    std::uint32_t n;
-    OwnedData(void* owned, std::uint32_t elements) : block(owned), n(elements) {}
-    OwnedData(const OwnedData&) = delete;
-    OwnedData& operator=(const OwnedData&) = delete;
-    ~OwnedData() { release_data(block, n); }
-};
-
 // After a failure: the results so far replace the first elements of the operand that they were to
 // be written over.
 void write_back(const Frame& f, ArrayBuilder& results) {
     const std::uint32_t n = results.size();
     if (f.target == Target::fresh || n == 0)
         return;
-    Space& operand = f.target == Target::right ? *f.right : *f.left;
-    DataElement* slots = own_elements(operand);
-    if (f.target == Target::both) {
-        release_data(f.right->data_pointer, f.n);
-        f.right->data_pointer = slots;
-        count_up(slots);
-    }
     const std::uint32_t kinds = results.kinds();
-    const OwnedData done(results.finish(), n);
-    for (std::uint32_t i = 0; i < n; ++i) {
-        const Element element = element_of(done.block, i);
-        if (element.tag == tag::subarray)
-            count_up(element.subarray);
-        dereferencedataelems(slots + i, 1);
-        slots[i].tag = tag::filler;
-        store(slots[i], element);
-    }
-    operand.type |= kinds;
-    if (several(operand.type & simple_kinds))
-        operand.type |= COMPLEXED;
-    if (f.target == Target::both)
-        f.right->type = operand.type;
+    results.add_copies(overwritten(f).data_pointer, f.n - n, n);
+    put_over_operand(f, results.finish(), kinds);
 }
 
 template <class VerbTable>
@@ -239,6 +210,21 @@ void run_road(const Frame& f, const VerbTable& verb, Outcome& out) {
 }
 
 } // namespace
+
+void put_over_operand(const Frame& f, void* block, std::uint32_t kinds) noexcept {
+    Space& operand = overwritten(f);
+    release_data(operand.data_pointer, f.n);
+    operand.data_pointer = block;
+    operand.type |= kinds;
+    if (several(operand.type & simple_kinds))
+        operand.type |= COMPLEXED;
+    if (f.target == Target::both) {
+        release_data(f.right->data_pointer, f.n);
+        f.right->data_pointer = block;
+        count_up(block);
+        f.right->type = operand.type;
+    }
+}
 
 void element_road(const Frame& f, const DyadicVerb& verb, Outcome& out) {
     run_road(f, verb, out);

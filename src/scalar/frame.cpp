@@ -37,7 +37,7 @@ void choose_target(Frame& f) {
     } else if (lone(*f.right)) {
         f.target = Target::right;
     } else if (f.left->data_pointer && f.left->data_pointer == f.right->data_pointer
-               && header_of(f.left->data_pointer).count == 2) {
+               && count_of(f.left->data_pointer) == 2) {
         f.target = Target::both;
     }
 }

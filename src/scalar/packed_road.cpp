@@ -337,7 +337,7 @@ Forecast forecast(Frame& f, const Chosen& chosen) {
 void* target_block(const Frame& f, Storage storage) {
     if (f.target == Target::fresh)
         return nullptr;
-    void* block = (f.target == Target::right ? f.right : f.left)->data_pointer;
+    void* block = overwritten(f).data_pointer;
     return storage_of(block) == storage ? block : nullptr;
 }
 

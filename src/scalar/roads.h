@@ -65,6 +65,11 @@ void* target_block(const Frame& f, Storage storage);
 /// Items of a packed block of integers or truth bytes, as doubles.
 void widen_items(const void* from, Storage storage, double* to, std::uint32_t n);
 
+/// The operand that is written over, if one is.
+inline Space& overwritten(const Frame& f) {
+    return f.target == Target::right ? *f.right : *f.left;
+}
+
 inline bool in_place(const Space& space) {
     return (space.type & ISINPLACE) != 0;
 }
@@ -85,6 +90,10 @@ inline void between_stretches(std::uint32_t first) {
 /// can't make, or none if the operands aren't packed.
 void packed_road(Frame& f, const DyadicVerb& verb, Outcome& out);
 void packed_road(Frame& f, const MonadicVerb& verb, Outcome& out);
+
+/// After a failure: a block of f.n elements, which is taken over, takes the place of the operand
+/// that results were to be written over. `kinds` are bits of elements that it has got.
+void put_over_operand(const Frame& f, void* block, std::uint32_t kinds) noexcept;
 
 /// Makes the results from `done` on, in a fresh block with those made before.
 void element_road(const Frame& f, const DyadicVerb& verb, Outcome& out);

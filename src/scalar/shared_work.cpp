@@ -1,5 +1,6 @@
 #include "scalar/shared_work.h"
 
+#include "frontend/symtab.h"
 #include "parallel/slices.h"
 #include "scalar/random.h"
 #include "values/refderef.h"
@@ -28,6 +29,7 @@ struct Kept {
 // The record of the one job that there is at a time.
 struct ScalarJob : Job {
     Frame frame;
+    Space quads[8] = {}; ///< #CT as it was: the program may set another meanwhile
     const DyadicVerb* dyadic = nullptr;
     const MonadicVerb* monadic = nullptr;
     Space left{}; ///< the operands as they were; their counts are with the frame, or kept
@@ -38,7 +40,8 @@ struct ScalarJob : Job {
     std::vector<Outcome> parts;
     std::array<Kept, 2> kept{};
     std::size_t keeps = 0;
-    Space* made = nullptr; ///< the result; null until the verb has closed
+    Space* made = nullptr;         ///< the result; null until the verb has closed
+    const Frame* failed = nullptr; ///< that of the verb, if the main thread's slice has failed
 };
 
 ScalarJob& the_job() {
@@ -167,7 +170,7 @@ std::uint32_t kinds_of_doubles(const ScalarJob& job, std::uint64_t integers, Sto
     return HASINTEGER | (integers != job.count ? HASREAL : 0u);
 }
 
-std::uint32_t settle_place(ScalarJob& job) {
+std::uint32_t settle_place(const ScalarJob& job, const Space& made) {
     std::uint32_t kinds = 0;
     std::uint64_t integers = 0;
     for (std::uint32_t i = 0; i < job.streams; ++i) {
@@ -177,7 +180,7 @@ std::uint32_t settle_place(ScalarJob& job) {
     Storage storage = job.forecast.storage;
     if (job.forecast.wide)
         kinds = kinds_of_doubles(job, integers, storage);
-    header_of(job.made->data_pointer).layout = word(job, storage);
+    header_of(made.data_pointer).layout = word(job, storage);
     return kinds;
 }
 
@@ -200,7 +203,15 @@ std::uint32_t join_doubles(const ScalarJob& job, BlockHandle& joined) {
     return kinds;
 }
 
-// What a failed slice has not made counts as 0.
+// Elements that a failed slice hasn't made, up to `end`: those that they were to be written over,
+// or 0 if there are none.
+void add_rest(const ScalarJob& job, ArrayBuilder& all, std::uint32_t end) {
+    if (all.size() < end && job.frame.target != Target::fresh)
+        all.add_copies(overwritten(job.frame).data_pointer, end - all.size(), all.size());
+    while (all.size() < end)
+        all.add_integer(0);
+}
+
 std::uint32_t join_elements(const ScalarJob& job, BlockHandle& joined) {
     ArrayBuilder all(job.count);
     std::uint32_t kinds = 0;
@@ -216,8 +227,7 @@ std::uint32_t join_elements(const ScalarJob& job, BlockHandle& joined) {
         }
         kinds |= part.kinds;
         told = told && part.kinds != 0 && all.size() == slice.end;
-        while (all.size() < slice.end)
-            all.add_integer(0);
+        add_rest(job, all, slice.end);
     }
     if (!told)
         kinds |= all.kinds();
@@ -233,13 +243,23 @@ void drop_parts(ScalarJob& job) {
     }
     for (; job.keeps > 0; --job.keeps)
         release_data(job.kept[job.keeps - 1].block, job.kept[job.keeps - 1].n);
+    dereferencepoint(&job.quads[quad_ct]);
+    job.quads[quad_ct] = {};
 }
 
-void complete(ScalarJob& job) {
-    Space& result = *job.made;
+// What all slices have made stands in the operand, as after a failure of a serial run.
+void write_over(const ScalarJob& job) {
+    if (job.frame.target == Target::fresh)
+        return;
+    BlockHandle joined;
+    const std::uint32_t kinds = join_elements(job, joined);
+    put_over_operand(*job.failed, joined.release(), kinds);
+}
+
+void complete(const ScalarJob& job, Space& result) {
     std::uint32_t kinds = 0;
     if (all_in_place(job)) {
-        kinds = settle_place(job);
+        kinds = settle_place(job, result);
     } else {
         BlockHandle joined;
         kinds = all_doubles(job) ? join_doubles(job, joined) : join_elements(job, joined);
@@ -251,20 +271,24 @@ void complete(ScalarJob& job) {
         result.type |= COMPLEXED;
 }
 
+void make_void(Space& result) {
+    dereferencepoint(&result);
+    make_empty(result);
+}
+
 void collect(Job& base) {
     auto& job = static_cast<ScalarJob&>(base);
     Space* const made = std::exchange(job.made, nullptr);
     try {
-        if (made) {
-            job.made = made;
-            complete(job);
-            job.made = nullptr;
-        }
+        if (made && job.given_up)
+            make_void(*made);
+        else if (made)
+            complete(job, *made);
+        else if (job.failed)
+            write_over(job);
     } catch (const OutOfStorage&) {
-        job.made = nullptr;
-        release_shape(*made);
-        release_block(made->data_pointer);
-        make_empty(*made);
+        if (made)
+            make_void(*made);
         drop_parts(job);
         throw;
     }
@@ -297,15 +321,27 @@ bool run_shared(ScalarJob& job, Frame& f, const VerbTable& verb, Outcome& out) {
     job.frame.cell = &job.cell;
     if (verb.op_size != 0) // else what there is of it is permanent
         job.frame.op = std::memcpy(job.op.data(), f.op, verb.op_size);
+    job.frame.quads = job.quads;
+    job.failed = nullptr;
     job.forecast = forecast(job.frame, verb);
     if (!pays(job))
         return false;
     job.parts.resize(std::max<std::size_t>(job.parts.size(), cpus));
     take_place(job, job.frame, out);
+    job.quads[quad_ct] = f.quads[quad_ct];
+    referencepoint(&job.quads[quad_ct]);
     publish(job);
     try {
         run_stream(job, 0, f.top);
+    } catch (const ErrorJump& jump) {
+        if (jump.value == -1)
+            job.failed = &f;
+        else
+            give_up_job();
+        settle_coprocessors();
+        throw;
     } catch (...) {
+        give_up_job();
         settle_coprocessors();
         throw;
     }

@@ -30,6 +30,10 @@ std::size_t stack_limit() {
 
 constinit thread_local std::uintptr_t native_stack_floor = 0;
 
+std::size_t native_stack_size() {
+    return stack_limit() + mapping_gap;
+}
+
 void measure_native_stack() {
     std::uintptr_t highest = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
     std::size_t size = stack_limit();

@@ -9,6 +9,9 @@ namespace tessor {
 /// Lowest address that a recursion of this thread may reach; set by measure_native_stack.
 extern constinit thread_local std::uintptr_t native_stack_floor;
 
+/// Bytes for a thread on which recursions may go as deep as on the main one.
+std::size_t native_stack_size();
+
 /// Reads the stack limit of this thread and leaves a reserve for what runs without a guard of its
 /// own. Call it once on each thread.
 void measure_native_stack();

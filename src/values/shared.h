@@ -43,13 +43,15 @@ enum : std::uint32_t {
     fault = 2,     ///< SIGFPE, SIGBUS, SIGSEGV or another came from outside
     trace = 4,     ///< an activation may be traced or stepped
     timing = 8,    ///< a clock reading per cell
+    give_up = 16,  ///< workers are to leave the job under way
 };
 }
 extern std::atomic<std::uint32_t> attention;
 
-/// Signals noted and not yet taken.
+/// Signals noted and not yet taken, or a job that is given up.
 inline bool signal_noted() {
-    return (attention.load(std::memory_order_relaxed) & (attend::interrupt | attend::fault)) != 0;
+    constexpr std::uint32_t bits = attend::interrupt | attend::fault | attend::give_up;
+    return (attention.load(std::memory_order_relaxed) & bits) != 0;
 }
 
 } // namespace tessor

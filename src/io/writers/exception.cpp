@@ -105,10 +105,14 @@ void signalexception(int signal) {
     throw ErrorJump{-1000 - signal};
 }
 
-// One is reported at a time, an interrupt first; the others wait for the next safe point. Workers
-// leave them to the main thread.
+// One is reported at a time, an interrupt first; the others wait for the next safe point.
 void take_signals() {
-    if (!signal_noted() || held_reports)
+    if (held_reports) {
+        if (attention.load(std::memory_order_relaxed) & attend::give_up)
+            throw GivenUp{};
+        return;
+    }
+    if (!signal_noted())
         return;
     attention.fetch_and(~std::uint32_t{attend::interrupt | attend::fault});
     const std::uint64_t signals = noted.exchange(0);

@@ -48,7 +48,11 @@ extern constinit thread_local HeldReports* held_reports;
 /// The report of signalexception alone, for a handler that leaves by a non-local jump.
 void report_signal(int signal);
 
-/// Takes a noted signal at a safe point: calls signalexception if there is one.
+/// Ends a worker's slice of a job that is given up.
+struct GivenUp {};
+
+/// Takes a noted signal at a safe point: calls signalexception if there is one. Workers leave
+/// signals to the main thread, and throw GivenUp once it has given their job up.
 void take_signals();
 
 /// Notes a signal for the next safe point. Async-signal-safe.

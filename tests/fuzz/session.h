@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>
+#include <vector>
 
 namespace tessor::fuzz {
 
@@ -36,7 +37,7 @@ public:
     ~Allowed();
 
 private:
-    std::initializer_list<op::Instruction> instructions_;
+    std::vector<op::Instruction> instructions_;
 };
 
 /// The bytes as a text.

@@ -24,7 +24,7 @@ namespace tessor {
 std::uint32_t processors = 1;
 std::uint32_t cpus = 1;
 std::uint32_t thrds = 1;
-std::int32_t MIN_PARALLEL = 1001;
+std::int32_t MIN_PARALLEL = elements_per_stream;
 
 constinit thread_local std::uint32_t stream_index = 0;
 std::vector<ThreadRecord> from_coprocessor(1);

@@ -22,7 +22,13 @@ namespace tessor {
 extern std::uint32_t processors; ///< streams in use, the main thread included
 extern std::uint32_t cpus;       ///< streams started: the ceiling of PARALLEL
 extern std::uint32_t thrds;      ///< threads per processor
-/// Element count above which work is shared; 1001 for each stream at the start.
+/// Elements for each stream that make sharing worth while.
+#ifdef TESSOR_TIGHT
+inline constexpr std::int32_t elements_per_stream = 1;
+#else
+inline constexpr std::int32_t elements_per_stream = 1001;
+#endif
+/// Element count above which work is shared.
 extern std::int32_t MIN_PARALLEL;
 
 /// Cells of a worker's own value stack, which recursions use; the top but two is its stacktop. As

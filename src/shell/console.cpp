@@ -106,7 +106,8 @@ void report_pool(const Pool& pool, double physmem) {
 // The threshold is what was asked for, also if fewer threads could be started.
 void start_streams(const Pool& pool, bool quiet) {
     thrds = static_cast<std::uint32_t>(pool.thrds);
-    MIN_PARALLEL = static_cast<std::int32_t>(std::int64_t{pool.streams} * 1001 & 0x7fffffff);
+    MIN_PARALLEL =
+        static_cast<std::int32_t>(std::int64_t{pool.streams} * elements_per_stream & 0x7fffffff);
     if (pool.streams == 1)
         return;
     start_coprocessors(static_cast<std::uint32_t>(pool.streams));

@@ -4,6 +4,7 @@
 #include "frontend/names.h"
 #include "io/files.h"
 #include "io/writers/dump.h"
+#include "io/writers/elements.h"
 #include "io/writers/writer.h"
 #include "io/writing.h"
 #include "values/array.h"
@@ -23,18 +24,19 @@ constexpr FileNumbers remember_numbers = {724, 725, 726};
 
 constexpr int records_of_a_batch = 257;
 
-bool is_named(std::string_view word) {
-    return checkhash(memory, std::string(word).c_str()) != nullptr;
+// What has a name without a value loses the name, unless something that is saved refers to it.
+bool is_named(MeaningTable* names, std::string_view word) {
+    const Bucket* found = checkmeaning(names, std::string(word).c_str());
+    return found && (is_set(found->value) || count_of(found->value) > 1);
 }
 
-constexpr Vocabulary vocabulary = {reads_as_word, is_named};
-
-// A name that begins like one of a class goes back as it is typed, any other between quotes. The
-// names of inner tables are those of classes.
-void write_target(Writer& out, std::string_view name, bool inner) {
+// A name that begins like one of a class goes back as it is typed, any other between quotes. What
+// would not be read back either way goes back as a text: a label too, whose table comes back with
+// its function.
+void write_target(Writer& out, std::string_view name) {
     const bool prefixed = has_prefix(name);
     out.count_cells(2);
-    if (is_key(name) && !(prefixed && inner)) {
+    if (is_key(name)) {
         write_key(out, name);
     } else {
         out.put(prefixed ? " @" : " @\x02");
@@ -42,23 +44,41 @@ void write_target(Writer& out, std::string_view name, bool inner) {
         if (!prefixed)
             out.put('\x03');
     }
-    out.put(" SET\n");
+    write_word(out, "SET");
+    out.put('\n');
 }
 
-void write_record(Writer& out, const Bucket& bucket, bool inner) {
+// A word's own operand, left over by a word that failed, shows nowhere; but a name keeps it.
+bool is_hidden_number(const Space& value) {
+    if (value.rank != 0 || !has_data(value))
+        return false;
+    const Element element = element_at(value, 0);
+    return (element.marks & mark::hidden) && !element.named();
+}
+
+void write_hidden_number(Writer& out, const Space& value) {
+    bool joined = false;
+    out.count_cells(1);
+    write_element(out, element_at(value, 0), {0, Style::source, false}, true, joined);
+}
+
+void write_record(Writer& out, const Bucket& bucket) {
     PrintOut = true;
-    write_value(out, *bucket.value, {0, Style::source, false});
+    if (is_hidden_number(*bucket.value))
+        write_hidden_number(out, *bucket.value);
+    else
+        write_value(out, *bucket.value, {0, Style::source, false});
     PrintOut = false;
-    write_target(out, bucket.name, inner);
+    write_target(out, bucket.name);
 }
 
-void remember_table(Writer& out, const HashTable* hash, bool inner) {
+void remember_table(Writer& out, const HashTable* hash) {
     int records = 0;
     for (std::uint32_t index = 0; const Bucket* bucket = next_used(hash, index); ++index) {
         for (; bucket && bucket->name; bucket = bucket->next) {
             if (!is_set(bucket->value))
                 continue;
-            write_record(out, *bucket, inner);
+            write_record(out, *bucket);
             if (++records == records_of_a_batch) {
                 out.end_batch();
                 records = 0;
@@ -68,7 +88,8 @@ void remember_table(Writer& out, const HashTable* hash, bool inner) {
 }
 
 template <class Write>
-void write_program(std::FILE* stream, Write write) {
+void write_program(std::FILE* stream, MeaningTable* names, Write write) {
+    const Vocabulary vocabulary = {reads_as_word, is_named, names};
     Writer out(stream);
     out.begin_batches(cells_of_a_batch, &vocabulary);
     write(out);
@@ -80,7 +101,7 @@ Next write_named(Activation& run, const FileNumbers& numbers, Write write) {
     OpenedFile file = open_named(*run.top, FileMode::write, numbers);
     if (file.number)
         return failed(run, file.number);
-    if (!write_to(file.stream, [&](std::FILE* stream) { write_program(stream, write); }))
+    if (!write_to(file.stream, [&](std::FILE* stream) { write_program(stream, run.table, write); }))
         return failed(run, numbers.failure);
     pop(run);
     return Next::advance;
@@ -89,10 +110,9 @@ Next write_named(Activation& run, const FileNumbers& numbers, Write write) {
 } // namespace
 
 void remember(Writer& out, const MeaningTable* link) {
-    const HashTable* base = base_hash(link);
     for (; link; link = link->outer)
         if (link->hash)
-            remember_table(out, link->hash, link->hash != base);
+            remember_table(out, link->hash);
     out.end_batch();
 }
 
@@ -109,7 +129,8 @@ Next do_remember(Activation& run) {
 
 Next do_dumpstack(Activation& run) {
     if (run.top->type & ISEMPTY) {
-        write_program(stdout, [&run](Writer& out) { write_stack(out, run.base, run.top); });
+        write_program(stdout, run.table,
+                      [&run](Writer& out) { write_stack(out, run.base, run.top); });
         std::fflush(stdout);
         return Next::advance;
     }

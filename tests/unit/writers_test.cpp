@@ -271,8 +271,8 @@ TEST(Writers, Arrays) {
          " ( ( 2 'ab' ) 4 )"},
         {array({i(1), inside(empty()), inside(empty(HASASCII))}), " 1    #NIL\n    #NIL\n",
          " ( 1 () '' )"},
-        {array({inside(text("a")), inside(shaped(array({c('b')}), {1}))}), " 'a' 'b'",
-         " ( '`0#01100001`' '`0#01100010`' [ 1 ] )"},
+        {array({i(1), inside(shaped(array({c('b')}), {1}))}), " 1 'b'", " ( 1 'bb' [1] )"},
+        {array({i(1), inside(text("a"))}), " 1 'a'", " [. 1 'a' ATOM FIRST .]"},
         {array({named(i(0), "#END", mark::named | mark::hidden), i(1)}), " #END 1", " ( 0 1 )"},
     });
 }

@@ -5,6 +5,7 @@
 #include "values/instructions.h"
 #include "values/refderef.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace tessor {
@@ -42,8 +43,12 @@ bool begins_word(char byte) {
 // A plain name that the scanner would not read as one piece, or not as a name: it came from a
 // quoted name and goes back as one. Behind @ an exclamation mark is part of a name.
 bool needs_quotes(std::string_view name, bool address) {
-    constexpr std::string_view ends = " \t\r\n.;\"()|\x02\x03";
+    constexpr std::string_view ends = " \t\r\n.;\"()|\x02";
     constexpr std::string_view others = "'`@:+-*/^v0123456789";
+    constexpr std::string_view digits = "-\xaf"
+                                        "0123456789";
+    if (name.size() > 1 && name[0] == '&' && digits.find(name[1]) != digits.npos)
+        return true;
     if (others.find(name[0]) != name.npos || name.find_first_of(ends) != name.npos)
         return true;
     return !address && name.find('!', 1) != name.npos;
@@ -55,21 +60,43 @@ bool misread_bare(std::string_view name) {
     return (name.size() > 1 && begins_word(name[1])) || name.find_first_of(ends, 1) != name.npos;
 }
 
-void write_name(Writer& out, const Space& cell, std::string_view prefix, Style style) {
-    const std::string_view name = name_of(cell);
-    const bool address = cell.rank == kind::ADDRESS;
-    const Vocabulary* words = address ? nullptr : out.vocabulary();
-    const bool may_misread = cell.suboperation == op::SGIG || !prefix.empty() || out.vocabulary();
-    const bool quotable = !name.empty() && !has_prefix(name) && name.find('\x03') == name.npos;
-    const bool quotes =
-        style == Style::source && quotable && may_misread
-        && (needs_quotes(name, address) || (words && prefix.empty() && words->is_word(cell.name)));
+// Behind a prefix only a word can go without quotes.
+bool is_word(std::string_view name) {
+    constexpr auto goes_on = [](char byte) {
+        return begins_word(byte) || (byte >= '0' && byte <= '9');
+    };
+    return !name.empty() && begins_word(name[0]) && std::all_of(name.begin(), name.end(), goes_on);
+}
+
+// No quotes can stand around a name that holds the byte that closes them.
+void write_quoted(Writer& out, std::string_view prefix, std::string_view name, bool quotes) {
+    quotes = quotes && name.find('\x03') == name.npos;
     if (quotes)
         out.put('\x02');
     out.put(prefix);
     out.put(name);
     if (quotes)
         out.put('\x03');
+}
+
+// A label, the % included.
+void write_label_name(Writer& out, std::string_view name) {
+    write_quoted(out, "", name, !name.empty() && !is_word(name.substr(1)));
+}
+
+void write_name(Writer& out, const Space& cell, std::string_view prefix, Style style) {
+    const std::string_view name = name_of(cell);
+    const bool address = cell.rank == kind::ADDRESS;
+    const Vocabulary* words = address ? nullptr : out.vocabulary();
+    const bool source = style == Style::source && !name.empty();
+    if (!prefix.empty()) {
+        write_quoted(out, prefix, name, source && !is_word(name));
+        return;
+    }
+    const bool may_misread = cell.suboperation == op::SGIG || out.vocabulary();
+    write_quoted(out, "", name,
+                 source && (!has_prefix(name) || name.size() == 1) && may_misread
+                     && (needs_quotes(name, address) || (words && words->is_word(cell.name))));
 }
 
 void write_variable(Writer& out, const Space& cell, Place place) {
@@ -108,6 +135,8 @@ void write_label(Writer& out, const Space& cell, Place place) {
         out.put('\n');
         write_indent(out, place.level);
         out.put(" @");
+        write_label_name(out, name_of(cell));
+        return;
     }
     out.put(name_of(cell));
 }
@@ -165,15 +194,14 @@ bool hides_meaning(const Writer& out, const Space& cell) {
         || cell.operation == op::FUNCTIONEND)
         return false;
     const std::string_view word = spelling_of(cell);
-    return out.vocabulary()->is_named(word)
-           || out.vocabulary()->is_named(word.substr(0, word.find(' ')));
+    return out.vocabulary()->hides(word) || out.vocabulary()->hides(word.substr(0, word.find(' ')));
 }
 
 // Jumps, checks, labels and comments end their line, so that a program falls into lines where its
 // control flow turns.
 void write_operator(Writer& out, const Space& cell, int level) {
     if (cell.operation == op::NOOP && cell.suboperation == comment && cell.name) {
-        out.put(" \"");
+        write_word(out, "\"");
         out.put(name_of(cell));
         out.put("\"\n");
         return;
@@ -184,7 +212,12 @@ void write_operator(Writer& out, const Space& cell, int level) {
         write_spelling(out, modified_name(cell), false);
         return;
     }
-    write_spelling(out, spelling_of(cell), hides_meaning(out, cell));
+    if (cell.operation == op::NOOP && spelling_of(cell).starts_with('%')) {
+        out.put(' ');
+        write_label_name(out, spelling_of(cell));
+    } else {
+        write_spelling(out, spelling_of(cell), hides_meaning(out, cell));
+    }
     if (cell.operation == op::JUMP || cell.operation == op::CHECK) {
         out.put('\n');
         write_indent(out, level);
@@ -228,7 +261,7 @@ void write_function(Writer& out, const Space& function, int level) {
             write_value(out, *cell, {level + 1, Style::source, false});
     }
     if (function.type & ISOPERATOR)
-        out.put(" OPERATOR");
+        write_word(out, "OPERATOR");
     out.put('\n');
     write_indent(out, level);
 }
@@ -250,7 +283,7 @@ void write_key(Writer& out, std::string_view name) {
     } key;
     make_text(key, name.data(), name.size());
     write_value(out, key, {0, Style::source, true});
-    out.put(" AT");
+    write_word(out, "AT");
 }
 
 // Only a cell that stands for itself is labelled; inside a value it looks as it was typed.

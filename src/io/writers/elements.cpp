@@ -100,14 +100,18 @@ void from_polar(double* c, int width, double& flops) {
 }
 
 // True if modulus and angles lead back to the components. They don't where an angle is that of a
-// component alone, not of its share in the modulus.
+// component alone, not of its share in the modulus, or where angles that are left out make it a
+// number of a smaller family.
 bool polar_reads_back(const Element& element, int width) {
     double flops = 0;
     double c[8];
     std::copy_n(element.c, width, c);
     to_polar(c, width, flops);
     const double near = c[0] * 1e-12;
-    from_polar(c, width, flops);
+    int read = width;
+    while (read > 2 && std::all_of(c + read / 2, c + read, [](double angle) { return angle == 0; }))
+        read /= 2;
+    from_polar(c, read, flops);
     bool same = true;
     for (int i = 0; i < width; ++i)
         same &= std::fabs(c[i] - element.c[i]) <= near;

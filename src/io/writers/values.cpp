@@ -12,6 +12,16 @@ bool is_text(const Space& space) {
     return (space.type & HASASCII) && !(space.type & (STRUCTURED | COMPLEXED));
 }
 
+// Characters alone, whatever other kinds the array has held: a literal of them is a text.
+bool holds_text(const Space& space) {
+    if (!(space.type & HASASCII) || is_text(space) || !has_data(space))
+        return is_text(space);
+    std::uint32_t i = 0;
+    while (i < space.elements && element_at(space, i).tag == tag::ascii)
+        ++i;
+    return i == space.elements;
+}
+
 bool is_enclosed(const Space& space) {
     return (space.type & ISSCALAR) && (space.type & STRUCTURED);
 }
@@ -111,34 +121,62 @@ void write_plain_text(Writer& out, const Space& text) {
     });
 }
 
-// What the scanner would not take as it stands inside quotes: a double quote, the byte that ends
-// all input, a backquote that could open bits.
-bool needs_bits(std::uint8_t byte, const Space& text, std::uint32_t i) {
+// What the scanner takes in no text: a double quote, the byte that ends all input.
+bool needs_bits(std::uint8_t byte) {
+    return byte == '"' || byte == 0;
+}
+
+// What would be taken for something else where it stands: a backquote for the beginning of bits, a
+// quote in an array for the end of a character in front of it.
+bool needs_bits_at(const Space& text, std::uint32_t i, std::uint8_t byte, bool item) {
     if (byte == '`')
         return i + 1 < text.elements && element_at(text, i + 1).character == '0';
-    return byte == '"' || byte == 0;
+    return item && i == 1 && byte == '\'';
+}
+
+void write_quoted_byte(Writer& out, std::uint8_t byte, bool bits) {
+    if (bits)
+        write_quoted_bits(out, byte);
+    else
+        out.put(byte == '\'' ? std::string_view("''")
+                             : std::string_view(reinterpret_cast<const char*>(&byte), 1));
+}
+
+// A text of one character that isn't written in bits anyway.
+bool is_plain_single(const Space& text) {
+    if (text.elements != 1)
+        return false;
+    const Element only = element_at(text, 0);
+    return only.form != form::binary && !needs_bits(only.character);
+}
+
+// Whether a text in an array is read as one. Its first byte between two quotes would be an element;
+// a single one is written twice and cut by its shape, which a scalar hasn't got.
+bool fits_as_item(const Space& text) {
+    if (text.elements == 1)
+        return !is_plain_single(text)
+               || (!(text.type & ISSCALAR) && element_at(text, 0).character != '\'');
+    const Element second = element_at(text, 1);
+    return second.character != '\'' || second.form == form::binary;
 }
 
 void write_quoted_text(Writer& out, const Space& text, Place place) {
     const bool source = place.style == Style::source;
-    // A single quoted byte in an array would be an element, not a text.
-    const bool all_bits = source && place.item && text.elements == 1;
-    // A quote as the second byte would end such an element.
-    const auto ends_element = [&](std::uint8_t byte, std::uint32_t i) {
-        return source && place.item && i == 1 && byte == '\'';
-    };
+    const bool single = source && place.item && is_plain_single(text);
+    const bool all_bits = single && !fits_as_item(text);
     out.put(" '");
+    if (single && !all_bits)
+        out.put(static_cast<char>(element_at(text, 0).character));
     write_each(out, text, false, [&](std::uint32_t i) {
         const Element element = element_at(text, i);
         const std::uint8_t byte = element.character;
         if (element.tag == tag::unicode)
             write_hexadecimal(out, element.unicode);
-        else if (element.form == form::binary || all_bits || (source && needs_bits(byte, text, i))
-                 || ends_element(byte, i))
-            write_quoted_bits(out, byte);
         else
-            out.put(byte == '\'' ? std::string_view("''")
-                                 : std::string_view(reinterpret_cast<const char*>(&byte), 1));
+            write_quoted_byte(
+                out, byte,
+                element.form == form::binary || all_bits
+                    || (source && (needs_bits(byte) || needs_bits_at(text, i, byte, place.item))));
     });
     out.put('\'');
 }
@@ -154,7 +192,12 @@ void write_text(Writer& out, const Space& text, Place place) {
     // A single quoted character is a scalar without its shape.
     const bool single = place.style == Style::source && text.rank == 1 && text.elements == 1;
     const bool nested = place.level != 0 || place.style != Style::display;
-    if (nested && (text.rank > 1 || single) && !(text.type & ISSCALAR))
+    if (!nested || (text.rank < 2 && !single) || (text.type & ISSCALAR))
+        return;
+    // In an array the scanner would show the blanks of the shape.
+    if (single && place.item)
+        out.put(" [1]");
+    else
         write_shape(out, text);
 }
 
@@ -238,18 +281,22 @@ void write_elements(Writer& out, const Space& space, Place place, bool& joined) 
 }
 
 // Whether an array can be written as one literal: no scalar and no enclosed value stands anywhere
-// in it as a subarray.
+// in it as a subarray, no text that would not be read as one, and no character that can't be
+// written between two quotes beside elements of other kinds.
 bool fits_literal(Writer& out, const Space& space) {
-    if (!(space.type & STRUCTURED) || !has_data(space))
+    if (!(space.type & (STRUCTURED | COMPLEXED)) || !has_data(space) || holds_text(space))
         return true;
     guard_depth(out);
     for (std::uint32_t i = 0; i < space.elements; ++i) {
         const Element element = element_at(space, i);
+        if (element.tag == tag::ascii && (element.character == 0 || element.character == '\n'))
+            return false;
         if (element.tag != tag::subarray)
             continue;
         const Space& inner = *element.subarray;
-        const bool lone = (inner.type & ISSCALAR) && !(inner.rank == 0 && is_text(inner));
-        if (lone || !fits_literal(out, inner))
+        const bool fits = holds_text(inner) ? (inner.type & ISEMPTY) || fits_as_item(inner)
+                                            : !(inner.type & ISSCALAR) && fits_literal(out, inner);
+        if (!fits)
             return false;
     }
     return true;
@@ -261,42 +308,101 @@ void count_cells(Writer& out, Place place, int count) {
         out.count_cells(count);
 }
 
-// An array that no literal gives: its elements one by one, then collected.
+// What stands for itself in a program until it becomes an element of an array again. Where no value
+// of its own is looked at, an empty one shows its kind.
+void write_part(Writer& out, const Space& part, Place place) {
+    if (part.type & ISEMPTY) {
+        count_cells(out, place, 1);
+        place.item = true;
+    }
+    write_value(out, part, place);
+}
+
+void write_single(Writer& out, const Element& element, Place place) {
+    count_cells(out, place, 1);
+    if (element.tag == tag::ascii) {
+        out.put(" '");
+        write_quoted_byte(out, element.character,
+                          element.form == form::binary || needs_bits(element.character));
+        out.put('\'');
+        return;
+    }
+    bool joined = false;
+    if (!write_constant_name(out, element, place))
+        write_element(out, element, place, true, joined);
+}
+
+// What ATOM encloses keeps a shape; a scalar has none.
+void write_enclosing(Writer& out, Place place, bool scalar) {
+    count_cells(out, place, scalar ? 2 : 1);
+    write_word(out, "ATOM");
+    if (scalar)
+        write_word(out, "FIRST");
+}
+
+// The array that a literal between backquotes encloses; null if it takes more than a literal.
+const Space* plainly_enclosed(Writer& out, const Space& space) {
+    if (!is_enclosed(space) || !has_data(space))
+        return nullptr;
+    const Element only = element_at(space, 0);
+    if (only.tag != tag::subarray || space.depth != 0)
+        return nullptr;
+    const Space& inner = *only.subarray;
+    if (inner.rank <= 0 || (inner.type & ISSCALAR) || holds_text(inner))
+        return nullptr;
+    const bool list = has_data(inner) || inner.rank == 1;
+    return list && fits_literal(out, inner) ? &inner : nullptr;
+}
+
+// An array that no literal gives: its elements one by one, then collected. Collecting takes a
+// scalar for an element, not for a subarray, and enclosing leaves it as it is.
 void write_collected(Writer& out, const Space& space, Place place) {
     const bool several_items = space.elements > 1;
     if (several_items) {
         count_cells(out, place, 1);
-        write_spelling(out, "[.", false);
+        write_word(out, "[.");
     }
+    bool lone = false;
     write_each(out, space, false, [&](std::uint32_t i) {
         const Element element = element_at(space, i);
-        bool joined = false;
-        if (element.tag == tag::subarray) {
-            write_value(out, *element.subarray, place);
-            return;
+        if (element.tag != tag::subarray) {
+            write_single(out, element, place);
+        } else {
+            const Space& inner = *element.subarray;
+            write_part(out, inner, place);
+            lone = (inner.type & ISSCALAR)
+                   && (!several_items || (inner.rank == 0 && !plainly_enclosed(out, inner)));
+            if (lone)
+                write_enclosing(out, place, true);
         }
-        count_cells(out, place, 1);
-        if (!write_constant_name(out, element, place))
-            write_element(out, element, place, true, joined);
     });
     count_cells(out, place, space.rank > 1 ? 3 : 1);
-    out.put(several_items ? " .]" : " ENCLOSE");
+    if (several_items)
+        write_word(out, ".]");
+    else
+        write_word(out, lone ? "RAVEL" : "ENCLOSE");
     if (space.rank > 1) {
         out.put(" (");
         for (std::int32_t axis = 0; axis < space.rank; ++axis) {
             out.put(' ');
             write_integer(out, extent(space, axis));
         }
-        out.put(" ) RESHAPE");
+        out.put(" )");
+        write_word(out, "RESHAPE");
     }
 }
 
 void write_list(Writer& out, const Space& space, Place place) {
-    if (place.style == Style::source && !place.item && !fits_literal(out, space)) {
+    const bool source = place.style == Style::source;
+    if (source && place.level == 0 && !place.item && !fits_literal(out, space)) {
         write_collected(out, space, place);
         return;
     }
     count_cells(out, place, 1);
+    if (source && holds_text(space)) {
+        write_text(out, space, place);
+        return;
+    }
     const bool brackets = has_brackets(space, place);
     if (brackets)
         out.put(" (");
@@ -309,18 +415,6 @@ void write_list(Writer& out, const Space& space, Place place) {
     const bool nested = place.level != 0 || place.style != Style::display;
     if (nested && space.rank > 1 && !(space.type & ISSCALAR))
         write_shape(out, space);
-}
-
-// The array that a literal between backquotes encloses; null if it takes more than a literal.
-const Space* plainly_enclosed(Writer& out, const Space& space) {
-    const Element only = element_at(space, 0);
-    if (only.tag != tag::subarray || space.depth != 0)
-        return nullptr;
-    const Space& inner = *only.subarray;
-    if (inner.rank <= 0 || (inner.type & ISSCALAR) || is_text(inner))
-        return nullptr;
-    const bool list = has_data(inner) || inner.rank == 1;
-    return list && fits_literal(out, inner) ? &inner : nullptr;
 }
 
 void write_enclosed_source(Writer& out, const Space& space, Place place) {
@@ -336,16 +430,11 @@ void write_enclosed_source(Writer& out, const Space& space, Place place) {
         return;
     }
     const Element only = element_at(space, 0);
-    if (only.tag == tag::subarray) {
-        write_value(out, *only.subarray, place);
-    } else {
-        bool joined = false;
-        count_cells(out, place, 1);
-        write_element(out, only, place, true, joined);
-    }
-    // What ATOM encloses keeps a shape, a scalar has none.
-    count_cells(out, place, space.rank == 0 ? 2 : 1);
-    out.put(space.rank == 0 ? " ATOM FIRST" : " ATOM");
+    if (only.tag == tag::subarray)
+        write_part(out, *only.subarray, place);
+    else
+        write_single(out, only, place);
+    write_enclosing(out, place, space.rank == 0);
 }
 
 void write_enclosed(Writer& out, const Space& space, Place place) {
@@ -393,7 +482,7 @@ void write_scalar(Writer& out, const Space& space, Place place) {
     if (is_hidden(element, place) || write_constant_name(out, element, place))
         return;
     bool joined = false;
-    if (is_text(space))
+    if (place.style == Style::source ? holds_text(space) : is_text(space))
         write_text(out, space, place);
     else
         write_element(out, element, place, whole_as_integer(space), joined);

@@ -64,6 +64,10 @@ void write_spelling(Writer& out, std::string_view spelling, bool first_meaning) 
     out.put(spelling);
 }
 
+void write_word(Writer& out, std::string_view word) {
+    write_spelling(out, word, out.vocabulary() && out.vocabulary()->hides(word));
+}
+
 void write_integer(Writer& out, std::int32_t value) {
     out.advance(number_text(out.room(number_room), value));
 }

@@ -12,8 +12,12 @@ namespace tessor {
 /// What a text that is to be read back must know of the names that there will be then: what uses a
 /// name may be read before the name has its meaning, or after.
 struct Vocabulary {
-    bool (*is_word)(const char* name);       ///< no name, as long as it has no meaning
-    bool (*is_named)(std::string_view word); ///< a word that has been given a meaning
+    bool (*is_word)(const char* name); ///< no name, as long as it has no meaning
+    /// A word that has been given a meaning.
+    bool (*is_named)(MeaningTable* names, std::string_view word);
+    MeaningTable* names; ///< the innermost table of names
+
+    bool hides(std::string_view word) const { return is_named(names, word); }
 };
 
 /// Collects text and hands it to the stream in large pieces; the rest goes out when it dies.
@@ -117,6 +121,8 @@ void write_indent(Writer& out, int level);
 /// An instruction's spelling behind a blank, with :: if it is to have its first meaning whatever it
 /// has been given, or would be read as the shape of the literal in front of it.
 void write_spelling(Writer& out, std::string_view spelling, bool first_meaning);
+/// A word that is to have its first meaning.
+void write_word(Writer& out, std::string_view word);
 
 /// The number in digits.
 void write_integer(Writer& out, std::int32_t value);

@@ -3,7 +3,7 @@
 // does meanwhile: a long verb, and a loop of scalar work that doesn't touch its result, one after
 // the other and both at once.
 //
-//   bench_streams [ROUNDS]
+//   bench_streams [ROUNDS [beside]]      with the word, only the last
 #include "clock.h"
 #include "halves.h"
 #include "parallel/coprocessor.h"
@@ -73,46 +73,59 @@ std::string loop_of(int turns) {
     return "0 @T SET " + std::to_string(turns) + " MONADIC T + @T SET ; LOOP";
 }
 
-struct Overlap {
-    double returns; ///< of the verb's time, until the main thread has it behind it
-    double of_sum;
-    double of_possible; ///< of the longer one, or of the work shared by all processors
-};
-
-Overlap overlap(Sentence& verb, Sentence& loop, Sentence& both) {
-    const double processors = std::min(std::thread::hardware_concurrency(), tessor::cpus);
-    tessor::processors = 1;
-    const double serial = verb.time(1);
-    tessor::processors = tessor::cpus;
-    const double alone = verb.time(1);
-    const double turns = loop.time(1);
-    const double together = both.time(1);
-    Sentence begun("A EXP .");
-    const double returned = begun.time(1);
-    Sentence("DISCARD .").run();
-    const double least = std::max({alone, turns, (serial + turns) / processors});
-    return {returned / alone, together / (alone + turns), together / least};
+void keep_least(double& least, double time) {
+    least = std::min(least, time);
 }
 
-// A loop that takes as long as the verb. The result is behind it, which is where it is waited for.
-void measure_overlap(int rounds) {
+// A loop that takes as long as the verb. The verb's result is waited for behind it. Shortest times,
+// as anything else that runs takes its share of the processors.
+void measure_beside(int rounds) {
     constexpr int probe = 100'000;
+    tessor::processors = tessor::cpus;
     Sentence verb("A EXP DISCARD .");
-    const int turns =
-        static_cast<int>(probe * verb.time(3) / Sentence(loop_of(probe) + " .").time(3));
+    Sentence some(loop_of(probe) + " .");
+    verb.run();
+    const int turns = static_cast<int>(probe * verb.time(2) / some.time(2));
     Sentence loop(loop_of(turns) + " .");
     Sentence both("A EXP " + loop_of(turns) + " DISCARD .");
-    std::vector<double> returns, of_sum, of_possible;
-    for (int round = 0; round < rounds; ++round) {
-        const Overlap o = overlap(verb, loop, both);
-        returns.push_back(o.returns);
-        of_sum.push_back(o.of_sum);
-        of_possible.push_back(o.of_possible);
+    Sentence begin("A EXP .");
+    Sentence drop("DISCARD .");
+    double serial = 1e18, shared = 1e18, turning = 1e18, together = 1e18, begun = 1e18;
+    for (int round = 0; round < 3 * rounds; ++round) {
+        tessor::processors = 1;
+        keep_least(serial, verb.time(1));
+        tessor::processors = tessor::cpus;
+        keep_least(shared, verb.time(1));
+        keep_least(turning, loop.time(1));
+        keep_least(together, both.time(1));
+        keep_least(begun, begin.time(1));
+        drop.run();
     }
-    std::printf("A EXP, and a loop beside it, %u streams:", tessor::cpus);
-    verdict("of the sum", spread_of(of_sum).median, spread_of(of_sum).median < 0.85);
-    verdict("of the possible", spread_of(of_possible).median, spread_of(of_possible).median < 1.2);
-    std::printf("  (EXP returns after %.3f of its time)\n", spread_of(returns).median);
+    const double processors = std::min(std::thread::hardware_concurrency(), tessor::cpus);
+    const double possible = std::max({shared, turning, (serial + turning) / processors});
+    std::printf("EXP alone %.1f ms, by workers %.1f, a loop %.1f, both %.1f:", serial / 1e6,
+                shared / 1e6, turning / 1e6, together / 1e6);
+    verdict("of the sum", together / (shared + turning), together < 0.9 * (shared + turning));
+    verdict("of what is possible", together / possible, together < 1.2 * possible);
+    verdict("EXP left after", begun / shared, begun < 0.1 * shared);
+    std::putchar('\n');
+}
+
+// One stream against two.
+void measure_halves(int rounds) {
+    tessor::start_coprocessors(2);
+    measure_job(rounds);
+    for (const std::size_t n : {std::size_t{1'000'000}, std::size_t{10'000'000}}) {
+        tessor::processors = 1;
+        bind_array("A", Type::float64, n, true);
+        bind_array("B", Type::float64, n, false);
+        Sentence("B 1e-3 MULTIPLY @B SET .").run();
+        prepare_plain(n);
+        for (const HalvedRow& row : halved_rows())
+            measure(row, n, rounds);
+    }
+    tessor::processors = 2;
+    tessor::stop_coprocessors();
 }
 
 } // namespace
@@ -122,22 +135,14 @@ void measure_overlap(int rounds) {
 int main(int argc, char** argv) {
     const int rounds = argc > 1 ? std::max(std::atoi(argv[1]), 1) : 7;
     bench::start_tessor();
-    tessor::start_coprocessors(2);
     tessor::MIN_PARALLEL = 2002;
-    bench::measure_job(rounds);
-    for (const std::size_t n : {std::size_t{1'000'000}, std::size_t{10'000'000}}) {
-        tessor::processors = 1;
-        bench::bind_array("A", bench::Type::float64, n, true);
-        bench::bind_array("B", bench::Type::float64, n, false);
-        bench::Sentence("B 1e-3 MULTIPLY @B SET .").run();
-        bench::prepare_plain(n);
-        for (const bench::HalvedRow& row : bench::halved_rows())
-            bench::measure(row, n, rounds);
-    }
-    tessor::stop_coprocessors();
+    if (argc > 2)
+        bench::bind_array("A", bench::Type::float64, 10'000'000, true);
+    else
+        bench::measure_halves(rounds);
     // With three streams the main thread's slice is small.
     tessor::start_coprocessors(3);
-    bench::measure_overlap(rounds);
+    bench::measure_beside(rounds);
     tessor::stop_coprocessors();
     std::printf("targets missed: %d\n", bench::missed);
     return 0;

@@ -1,7 +1,7 @@
 """Random programs for consoles that ought to agree, whatever the number of their streams.
 
-A program is a list of sentences, each by itself: it starts from values that no sentence changes, and
-shows all that it leaves. What depends on draws is shown by what holds for any draw.
+A program is a list of sentences, each by itself: it starts from values that no sentence changes,
+and shows all that it leaves. What depends on draws is shown by what holds for any draw.
 """
 
 import random
@@ -22,31 +22,37 @@ NUMBERS = {
 }
 WIDE = {"complex", "quaternions", "octonions", "mixed", "various"}
 
-DYADIC = "+ - * / < =< = >= > ~= == ~== AND OR NAND NOR !^ !v".split()
+DYADIC = "+ - * / < =< = >= > ~= == ~== AND OR NAND NOR !^ !v !~^ !~v TRIG".split()
 NARROW = "| MIN MAX POW LOG BINOMIAL".split()  # mostly refused for wide numbers
 MONADIC = """NEGATIVE CONJUGATE MAGNITUDE FLOOR CEILING EXP LN NOT LOGICAL RECIPROCAL SIGNUM SIN COS
     ATAN SINH PITIMES DIRECTION TRUNCATE NUMBER CARTESIAN POLAR ISNUMBER ISBOOLEAN ISLOGICAL DEG RAD
-    CONTRADICTION SQRT LD FACTORIAL""".split()
+    CONTRADICTION SQRT LD FACTORIAL TAN ASIN ACOS COSH TANH ASINH ACOSH ATANH SQR CUBE CBRT POW2
+    POWE POW10 LOG10 BINARY ISBINARY ISCARTESIAN ISPOLAR""".split()
 ARRAYS = ["A", "B", "M1", "M2", "M3", "{n} INTERVAL", "(0.5 {n}) INTERVAL 0.5 {n} RESHAPE +",
-          "(T F T T F F T) {n} RESHAPE", "{n} INTERVAL 7 | REVERSE"]
+          "(T F T T F F T) {n} RESHAPE", "{n} INTERVAL 7 | REVERSE", "'abcab' {n} RESHAPE 'b' =",
+          "{n} INTERVAL 7 | 3 -"]
 SCALARS = ["2", "0.5", "-3", "(1)", "1.0", "0", "2147483647", "#PI", "(1 2) ENCLOSE"]
 WIDE_SCALARS = ["1i2", "1o3", "2i1j4"]
 FOLDS = ["SUM", "PRODUCT", "LARGEST", "SMALLEST", "- REDUCE", "MAX REDUCE", "ALL", "ANY", "SHAPE"]
 FUNCTIONS = ["1 +", "DUP *", "3 MIN", "DUP 2 > CHECK NEGATIVE ?Y", "@.T SET .T .T +", "(1 2) +"]
-MASKS = ["(1 0 2) MONADIC SUM ; MASK", "(1 2 3) MONADIC SUM ; WRAP MASK", "(0.5 0 1) MONADIC ; REFLECT MASK"]
+MASKS = ["(1 0 2) MONADIC SUM ; MASK", "(1 2 3) MONADIC SUM ; WRAP MASK",
+         "(0.5 0 1) MONADIC ; REFLECT MASK"]
 # What needs no value in the making.
-BESIDE = ["K 1 + @K SET", "5 @K SET K DISCARD", "1 2 + 3 * DISCARD", "5 MONADIC K + @K SET ; LOOP",
-          "'K 2 * @K SET' EXECUTE", "K 9 INC @K SET", "K 3 > CHECK 4 ?Y @K SET ?Y", "0.1 @#CT SET",
-          "K K 1 + SWAP DISCARD @K SET", "7 8 SWAP RIGHT DISCARD", "TIME DISCARD", "7 @#CT SET",
-          "NILADIC 1 2 + @K SET ; !", "M1 DISCARD", "(1 2 3) 2 * DISCARD", "K NEGATIVE FLOOR @K SET"]
-STORES = ["DUP @A SET", "@A SET A", "@B ASSIGN", "@A SET 0 @K SET A A DISCARD", "0 @A SET 'x' @B SET",
-          "'A' FORGET 1 @A SET", "A @B SET B", "DUP @B SET B +", "5 @A SET A +"]
+BESIDE = ["K 1 + @K SET", "5 @K SET K DISCARD", "1 2 + 3 * DISCARD",
+          "5 MONADIC K + @K SET ; LOOP", "'K 2 * @K SET' EXECUTE", "K 9 INC @K SET",
+          "K 3 > CHECK 4 ?Y @K SET ?Y", "0.1 @#CT SET", "K K 1 + SWAP DISCARD @K SET",
+          "7 8 SWAP RIGHT DISCARD", "TIME DISCARD", "7 @#CT SET", "NILADIC 1 2 + @K SET ; !",
+          "M1 DISCARD", "(1 2 3) 2 * DISCARD", "K NEGATIVE FLOOR @K SET"]
+STORES = ["DUP @A SET", "@A SET A", "@B ASSIGN", "@A SET 0 @K SET A A DISCARD",
+          "0 @A SET 'x' @B SET", "'A' FORGET 1 @A SET", "A @B SET B", "DUP @B SET B +",
+          "5 @A SET A +"]
 SHOWN = ["DUP PRINT", "K PRINT", "COUNTSTACK PRINT", "DUP SHAPE PRINT", "DUP DEPTH PRINT"]
 STREAMS = ["{streams} PARALLEL", "{most} PARALLEL", "5 SERIAL", "100 SERIAL", "1001 SERIAL"]
-DRAWS = ["6 {n} RESHAPE ROLL 0 > SUM", "2.0 {n} RESHAPE RANDOM 2 =< SUM", "0.5 {n} RESHAPE ROLL SHAPE",
-         "7 SEED 0.3 {n} RESHAPE PROBABLY 2 < SUM RANDOMISE"]
-FAILURES = ["{a} 'abc' , 3 MIN", "'abc' {a} , 3 MIN", "{a} 'a' , {b} , NEGATIVE", "{a} (1 2) , {b} *",
-            "{a} ((1 2) (1 2 3)) , (4 5 6) ENCLOSE +", "{a} (1 'a') , {b} (2 3) , * 1 +"]
+DRAWS = ["6 {n} RESHAPE ROLL 0 > SUM", "2.0 {n} RESHAPE RANDOM 2 =< SUM",
+         "0.5 {n} RESHAPE ROLL SHAPE", "7 SEED 0.3 {n} RESHAPE PROBABLY 2 < SUM RANDOMISE"]
+FAILURES = ["{a} 'abc' , 3 MIN", "'abc' {a} , 3 MIN", "{a} 'a' , {b} , NEGATIVE",
+            "{a} (1 2) , {b} *", "{a} ((1 2) (1 2 3)) , (4 5 6) ENCLOSE +",
+            "{a} (1 'a') , {b} (2 3) , * 1 +"]
 
 
 def vector(kind, n):
@@ -126,8 +132,9 @@ class Sentence:
     def step(self):
         if not self.arrays:
             self.array()
-        ways = {self.array: 2, self.scalar: 2, self.monadic: 5, self.dyadic: 6, self.shuffle: 3, self.beside: 5,
-                self.store: 2, self.structure: 2, self.streams: 0.3, self.shown: 0.5}
+        ways = {self.array: 2, self.scalar: 2, self.monadic: 5, self.dyadic: 6, self.shuffle: 3,
+                self.beside: 5, self.store: 2, self.structure: 2, self.streams: 0.3,
+                self.shown: 0.5}
         random.choices(list(ways), list(ways.values()))[0]()
 
     def text(self):
@@ -152,7 +159,9 @@ def program(sizes, length):
     n = random.choice(sizes)
     kinds = [random.choice(list(NUMBERS)) for _ in range(3)]
     opening = "".join(f"{vector(kind, n)} @M{i} SET " for i, kind in enumerate(kinds, 1))
-    opening = (f"{random.choice([5, 40, 1001])} SERIAL {opening} 3 @K SET DYADIC + ; VERB @INC SET .\n")
-    closing = "CLEAR 1e-15 @#CT SET 0 @A SET 0 @B SET 3 @K SET 'kept' REMEMBER M1 PRINT M2 PRINT M3 PRINT .\n"
+    opening = (f"{random.choice([5, 40, 1001])} SERIAL {opening} 3 @K SET "
+               "DYADIC + ; VERB @INC SET .\n")
+    closing = ("CLEAR 1e-15 @#CT SET 0 @A SET 0 @B SET 3 @K SET 'kept' REMEMBER "
+               "M1 PRINT M2 PRINT M3 PRINT .\n")
     wide = any(kind in WIDE for kind in kinds)
     return [opening, *(sentence(n, wide) for _ in range(length)), closing]

@@ -76,10 +76,10 @@ void remember_table(Writer& out, const HashTable* hash) {
     int records = 0;
     for (std::uint32_t index = 0; const Bucket* bucket = next_used(hash, index); ++index) {
         for (; bucket && bucket->name; bucket = bucket->next) {
-            if (!is_set(bucket->value))
+            if (!is_set(bucket->value) || is_local_address(*bucket->value))
                 continue;
             write_record(out, *bucket);
-            if (++records == records_of_a_batch) {
+            if (++records == records_of_a_batch || fails_elsewhere(*bucket->value)) {
                 out.end_batch();
                 records = 0;
             }

@@ -1,6 +1,7 @@
 #include "io/writers/dump.h"
 
 #include "io/writers/writer.h"
+#include "values/instructions.h"
 #include "values/shared.h"
 
 namespace tessor {
@@ -26,12 +27,23 @@ void disass(std::FILE* stream, const char* prefix, const Space& space, int level
     out.flush();
 }
 
+bool is_local_address(const Space& value) {
+    return value.rank == kind::ADDRESS && (value.type & ISLOCAL);
+}
+
+bool fails_elsewhere(const Space& value) {
+    return value.rank == kind::ADDRESS && value.suboperation == op::SLIL;
+}
+
 void write_stack(Writer& out, const Space* lowest, const Space* highest) {
     for (; lowest <= highest; ++lowest) {
         PrintOut = true;
-        write_value(out, *lowest, place_of(0, Mode::source));
+        if (!out.vocabulary() || !is_local_address(*lowest))
+            write_value(out, *lowest, place_of(0, Mode::source));
         PrintOut = false;
         out.put('\n');
+        if (lowest < highest && fails_elsewhere(*lowest))
+            out.end_batch();
     }
     out.end_batch();
 }

@@ -112,6 +112,12 @@ bool is_key(std::string_view name);
 /// Such a name's address: its text, and AT.
 void write_key(Writer& out, std::string_view name);
 
+/// The address of a local, which only the function under way can use: no source form leads to it.
+bool is_local_address(const Space& value);
+/// An address in a function's own table: where a saved text is read it refers to nothing, and its
+/// failure ends the batch.
+bool fails_elsewhere(const Space& value);
+
 /// The cells from `lowest` to `highest` in source form, a line each, and the end of the batch.
 void write_stack(Writer& out, const Space* lowest, const Space* highest);
 

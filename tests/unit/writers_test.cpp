@@ -251,7 +251,8 @@ TEST(Writers, Hypercomplex) {
 TEST(Writers, Texts) {
     expect({
         {text("it's"), "it's", " 'it''s'"},
-        {text("say \"`0\""), "say \"`0\"", " 'say `0#00100010``0#01100000`0`0#00100010`'"},
+        {text("say \"`0#1\""), "say \"`0#1\"", " 'say `0#00100010``0#01100000`0#1`0#00100010`'"},
+        {text("`0`0#`"), "`0`0#`", " '`0`0#`'"},
         {shaped(text("abcdefgh"), {2, 2, 2}), "ab\ncd\n\nef\ngh", " 'abcdefgh' [ 2 2 2 ]"},
         {shaped(array({c('a')}), {1}), "a", " 'a' [ 1 ]"},
         {empty(HASASCII), ".\n", "#NIL\n"},

@@ -14,7 +14,8 @@ namespace {
 constexpr std::size_t most_bytes = 1 << 18;
 
 // The text of a file without what may differ. A hidden operand that a failing verb has left prints
-// as nothing, and a cell without a spelling as a blank. A spelling needs :: as long as a name of its own exists, even if it has no value.
+// as nothing, and a cell without a spelling as a blank. A spelling needs :: as long as a name of
+// its own exists, even if it has no value.
 std::string text_of(const char* name) {
     std::ifstream file(name, std::ios::binary);
     std::string text;

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The console as a process: its start, its memory, sentences, scanning and printing.
+"""The console as a process: its start, its memory, sentences, scanning, printing and files.
 
     console.py CONSOLE
 
@@ -116,6 +116,42 @@ def printing(console, texts, what, numbers, target):
            f"({(own - own_base) * 1e3:.0f} ms)")
 
 
+def files(console, directory, texts):
+    """Each with the time of a console that does nothing, or of CPython, taken off or beside it."""
+    nothing = texts.write("nothing", "")
+    run = [console, "-q", "-u"]
+
+    def quoted(name):
+        return f"'{os.path.join(directory, name)}'"
+
+    def over_start(sentence):
+        own, start_up = in_turns(ROUNDS, (run, texts.write("sentence", sentence)), (run, nothing))
+        return own - start_up
+
+    names = "".join(f"({i} {i + 1} {i}.5) @name{i} SET .\n" for i in range(100_000))
+    seconds(run, texts.write("names", f"{names}{quoted('saved')} SAVE .\n"))
+    report("a saved workspace of 100000 names loaded", over_start(f"{quoted('saved')} LOAD .\n"),
+           "s", 0.2)
+    texts.write("text", "a line of some text, as long as lines are\n" * (50_000_000 // 42))
+    report("TEXTREAD of 50 MB", over_start(f"{quoted('text')} TEXTREAD DISCARD .\n") * 1e3, "ms", 30.0)
+    vectors = "".join(f"(1 22 333 4.5 -6 7e8 {i}) @vector{i % 1000} SET .\n" for i in range(125_000))
+    texts.write("vectors", vectors)
+    report(f"{len(vectors) / 1e6:.1f} MB of vector definitions loaded",
+           over_start(f"{quoted('vectors')} LOAD .\n") * 1e3, "ms", 150.0)
+    reals = "1000000 INTERVAL 7.0 DIVIDE"
+    script = texts.write("write.py", f"""data = [i / 7.0 for i in range(1000000)]
+with open({quoted('reals')}, "w") as file:
+    file.write(" ".join(map(repr, data)))
+""")
+    script_base = texts.write("base.py", "data = [i / 7.0 for i in range(1000000)]\n")
+    own, own_base, other, other_base = in_turns(
+        ROUNDS, (run, texts.write("w", f"{reals} {quoted('reals')} WRITE .\n")),
+        (run, texts.write("wb", f"{reals} DISCARD .\n")), ([PYTHON, script], nothing),
+        ([PYTHON, script_base], nothing))
+    report("WRITE of 1000000 reals, of CPython's time with repr",
+           (own - own_base) / (other - other_base), "", 1.0, f"({(own - own_base) * 1e3:.0f} ms)")
+
+
 def main():
     console = os.path.abspath(sys.argv[1])
     with tempfile.TemporaryDirectory() as directory:
@@ -127,6 +163,7 @@ def main():
         printing(console, texts, "integers", [i * 7919 % 2000003 - 1000000 for i in range(1000)],
                  1 / 3)
         printing(console, texts, "reals", [(i * 7919 % 2003) / 7 for i in range(1, 1001)], 2 / 3)
+        files(console, directory, texts)
     print(f"targets missed: {missed}")
 
 

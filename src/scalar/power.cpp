@@ -2,6 +2,8 @@
 #include "scalar/monadic.h"
 #include "scalar/verbs.h"
 
+#include <cstring>
+
 namespace tessor {
 
 namespace {
@@ -195,15 +197,20 @@ struct Loops {
     static Bases<L> bases(const Stretch& s) { return {static_cast<const L*>(s.left)}; }
 
     // Short bases leave no doubts, and noting them costs half of the time: a block takes after the
-    // one before it.
+    // one before it. Bases are read more than once, so those that squares are written over are
+    // kept.
     static void square(const Stretch& s, double* powers) {
         constexpr std::uint32_t block = 512;
         alignas(64) std::int64_t doubts[block];
+        alignas(64) L kept[block];
+        const bool over_bases = s.left == powers;
         const std::uint32_t n = s.n / 8 * 8;
         bool doubtful = false;
         for (std::uint32_t done = 0; done < n; done += block) {
-            const Bases<L> x{bases(s).items + done};
             const std::uint32_t some = std::min(block, n - done);
+            Bases<L> x{bases(s).items + done};
+            if (over_bases)
+                x.items = static_cast<const L*>(std::memcpy(kept, x.items, some * sizeof(L)));
             double* to = powers + done;
             const bool noted = doubtful;
             doubtful = square_vectors(x, some, to, noted ? doubts : nullptr);

@@ -41,7 +41,9 @@ inline double divided(double l, double r) {
     return (l != l) & (r != r) ? 1.0 : l / r;
 }
 
-// Two complex numbers: factors on the real line are multiplied and divided as such.
+// Two complex numbers: factors on the real line are multiplied and divided as such. A product is a
+// sum twice: where loops are made vectors, g++ 12 fuses a difference beside a sum with its products
+// (fmaddsub), whatever -ffp-contract says.
 
 /// A component of a full complex product that isn't a number is infinite.
 inline double settled(double x) {
@@ -54,8 +56,8 @@ inline Complex multiplied(const Complex& l, const Complex& r) {
     const bool right_real = d == 0;
     const double crossed = left_real ? (right_real ? 0.0 : a * d) : b * c;
     const bool shortened = left_real | right_real;
-    return {
-        {shortened ? a * c : settled(a * c - b * d), shortened ? crossed : settled(a * d + b * c)}};
+    return {{shortened ? a * c : settled(a * c + -b * d),
+             shortened ? crossed : settled(a * d + b * c)}};
 }
 
 inline int multiplied_flops(const Complex& l, const Complex& r) {

@@ -1,22 +1,14 @@
 #include "engine/contexts.h"
 
 #include "values/array.h"
-#include "values/block.h"
 
 namespace tessor {
 
 namespace {
 
-void push(Activation& run, HashTable* hash) {
-    MeaningTable* pushed = pushtable(run.table, hash);
+void replace_link(Activation& run, MeaningTable* pushed) {
     drop(run.table);
     run.table = pushed;
-}
-
-// A fresh table, which its link alone holds.
-void push_fresh(Activation& run, HashTable* hash) {
-    const BlockHandle held(hash);
-    push(run, hash);
 }
 
 // One step forward and one back: the chain stays as it is.
@@ -43,9 +35,9 @@ Next list_names(Activation& run, char first) {
 
 Next change_context(Activation& run) {
     switch (run.now->suboperation) {
-    case op::SMALL: push_fresh(run, makesmallhashtab()); break;
-    case op::LARGE: push_fresh(run, makehashtab()); break;
-    case op::BASIC: push(run, base_hash(run.table)); break;
+    case op::SMALL: replace_link(run, push_new(run.table, makesmallhashtab)); break;
+    case op::LARGE: replace_link(run, push_new(run.table, makehashtab)); break;
+    case op::BASIC: replace_link(run, pushtable(run.table, base_hash(run.table))); break;
     case op::PREVIOUS: previous(run); break;
     default: return run.values() < 0 ? failed(run, 800) : Next::advance;
     }

@@ -185,11 +185,8 @@ void close_all(Scanner& s) {
 
 MeaningTable* own_table(Scanner& s) {
     Level& at = level(s);
-    if (at.table == at.entry) {
-        HashTable* hash = makesmallhashtab();
-        at.table = pushtable(at.entry, hash);
-        count_down(hash);
-    }
+    if (at.table == at.entry)
+        at.table = push_new(at.entry, makesmallhashtab);
     return at.table;
 }
 

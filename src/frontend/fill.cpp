@@ -187,11 +187,16 @@ int finish_batch(Scanner& s) {
     leave_table(at);
     const auto n = static_cast<int>(at.count) + 1;
     s.returnstack.clear();
+    drop_literals(s); // a line end may leave one open
     return n;
 }
 
-int compile(Scanner& s) {
+// All that may run out of storage, the start included.
+int compile(Scanner& s, Space* cells, MeaningTable* table, std::FILE* stream, const char* text,
+            LineEnd mode) {
     try {
+        restart(s.input, stream, text);
+        start_batch(s, cells, table, mode);
         scan_batch(s);
         return finish_batch(s);
     } catch (const ErrorJump&) {
@@ -242,9 +247,7 @@ void scan_code(Scanner& s) {
 
 int fill(Space* cells, MeaningTable* table, std::FILE* stream, const char** text, LineEnd mode) {
     Scanner& s = scanner;
-    restart(s.input, stream, text ? *text : nullptr);
-    start_batch(s, cells, table, mode);
-    const int n = compile(s);
+    const int n = compile(s, cells, table, stream, text ? *text : nullptr, mode);
     if (text)
         *text = reinterpret_cast<const char*>(s.input.at + s.input.ready);
     if (s.input.ended)

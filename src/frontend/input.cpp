@@ -63,17 +63,22 @@ void append(Input& input, unsigned char byte) {
 } // namespace
 
 void restart(Input& input, std::FILE* stream, const char* text) {
-    if (input.buffer.empty())
-        input.buffer.resize(first_look_ahead);
     input.stream = stream;
     input.from_text = text != nullptr;
     input.ended = !text && !stream;
-    input.at = text ? reinterpret_cast<const unsigned char*>(text) : input.buffer.data();
+    input.at = reinterpret_cast<const unsigned char*>(text);
     input.ready = 0;
+    if (input.buffer.empty())
+        input.buffer.resize(first_look_ahead); // a failure finds the text unread
+    if (!text)
+        input.at = input.buffer.data();
 }
 
 void release_look_ahead(Input& input) {
-    input.buffer = {};
+    if (input.buffer.size() > first_look_ahead) {
+        input.buffer.resize(first_look_ahead);
+        input.buffer.shrink_to_fit();
+    }
     input.at = nullptr;
     input.ready = 0;
 }

@@ -53,18 +53,18 @@ void add_character(Literal& literal, int byte, std::uint16_t form = form::text) 
     literal.elements.add_character(static_cast<std::uint8_t>(byte), form);
 }
 
-Element subarray(Owned& inner) {
-    Element element;
-    element.tag = tag::subarray;
-    element.subarray = enclose(inner.value());
+void add_subarray(Literal& literal, Owned& inner) {
+    if (literal.elements.kinds() & element_kinds)
+        literal.type |= COMPLEXED;
+    literal.elements.add_enclosed(inner.value());
     inner.release();
-    return element;
 }
 
 // The one-element value around an enclosed array.
 Space enclosing(Owned& inner) {
     ArrayBuilder element(1);
-    element.add(subarray(inner));
+    element.add_enclosed(inner.value());
+    inner.release();
     Space cell;
     make_vector(cell, 1, element.finish(), STRUCTURED);
     cell.type = ISSCALAR | STRUCTURED | ISSTRUCTURE;
@@ -81,7 +81,7 @@ void deliver(Scanner& s, const Space& value) {
         return;
     }
     Literal& around = s.literals.back();
-    add(around, subarray(finished));
+    add_subarray(around, finished);
     around.depth = static_cast<std::int16_t>(std::min(s.deepest + 1, 32767));
     s.mode = ScanMode::vector;
 }
@@ -183,9 +183,11 @@ void scan_quote(Scanner& s) {
     open_nested(s, ScanMode::text);
 }
 
-Element with_name(Scanner& s, const ConstantMatch& match) {
+// The name is the handle's until the element is stored.
+Element with_name(Scanner& s, const ConstantMatch& match, BlockHandle& name) {
     Element element = match.element;
     element.name = match.name ? match.name : stringdup(bytes(s.input, 0, match.text_length));
+    name = BlockHandle(element.name);
     return element;
 }
 
@@ -206,9 +208,11 @@ void add_bits(Scanner& s, const BitsMatch& bits) {
 }
 
 void add_constant(Scanner& s, const ConstantMatch& constant) {
-    const Element element = with_name(s, constant);
+    BlockHandle name;
+    const Element element = with_name(s, constant, name);
     use(s.input, constant.text_length);
     add(s.literals.back(), element);
+    name.release();
 }
 
 // A number, bits or a named constant. No number goes on where bits or the name of a constant match.
@@ -311,10 +315,12 @@ void compile_quoted_bits(Scanner& s, const BitsMatch& match) {
 
 void compile_constant(Scanner& s, const ConstantMatch& match) {
     Space cell;
+    BlockHandle name;
     if (match.element.tag == tag::none)
         make_empty(cell);
     else
-        make_scalar(cell, with_name(s, match));
+        make_scalar(cell, with_name(s, match, name));
+    name.release();
     use(s.input, match.text_length);
     emit(s, cell);
 }

@@ -48,12 +48,11 @@ void emit_target(Scanner& s, Space cell, bool global) {
 
 void compile_plain_name(Scanner& s, const std::string& name) {
     const bool address = addressing(s);
+    s.mode = ScanMode::code; // first: a name without storage is used up, or input would never end
     MeaningTable* table = level(s).table;
     const Bucket* bucket = bucket_of(base_hash(table), name);
-    if (!bucket) {
-        s.mode = ScanMode::code;
+    if (!bucket)
         return;
-    }
     mark_function(s, GLOBAL);
     if (address)
         emit_target(s,

@@ -77,8 +77,8 @@ HashTable* make_table(std::uint16_t size_mark, std::uint32_t buckets) {
     BlockHandle block(allocate_block(sizeof(HashTable)));
     auto* hash = block.as<HashTable>();
     *hash = {size_mark, buckets, nullptr, nullptr};
-    hash->bucket = static_cast<Bucket*>(std::calloc(buckets, sizeof(Bucket)));
-    hash->used = static_cast<std::uint64_t*>(std::calloc(buckets / 64, sizeof(std::uint64_t)));
+    hash->bucket = static_cast<Bucket*>(zeroed_memory(buckets, sizeof(Bucket)));
+    hash->used = static_cast<std::uint64_t*>(zeroed_memory(buckets / 64, sizeof(std::uint64_t)));
     if (!hash->bucket || !hash->used) {
         std::free(hash->bucket);
         std::free(hash->used);
@@ -201,7 +201,7 @@ bool is_small(const HashTable* hash) {
 }
 
 MeaningTable* makemeaning(HashTable* hash) {
-    auto* link = static_cast<MeaningTable*>(allocate_block(sizeof(MeaningTable)));
+    auto* link = static_cast<MeaningTable*>(allocate_block(sizeof(MeaningTable), link_layout));
     *link = {hash, -1, nullptr, link, link};
     header_of(link).count = -1;
     return link;
@@ -314,10 +314,23 @@ MeaningTable* pushtable(MeaningTable* link, HashTable* hash) {
             ++link->count;
         return hold(link);
     }
-    auto* pushed = static_cast<MeaningTable*>(allocate_block(sizeof(MeaningTable)));
+    auto* pushed = static_cast<MeaningTable*>(allocate_block(sizeof(MeaningTable), link_layout));
     count_up(hash);
     *pushed = {hash, 1, hold(link), nullptr, link->base};
     link->inner = pushed;
+    return pushed;
+}
+
+MeaningTable* push_new(MeaningTable* link, HashTable* (*make)()) {
+    HashTable* hash = make();
+    MeaningTable* pushed = nullptr;
+    try {
+        pushed = pushtable(link, hash);
+    } catch (...) {
+        drop_hash(hash);
+        throw;
+    }
+    count_down(hash);
     return pushed;
 }
 
@@ -439,6 +452,10 @@ void list_symbols(Space& result, MeaningTable* link, char first) {
     list.depth = 2;
     dereferencepoint(&result);
     result = list;
+}
+
+std::span<const Bucket> system_names() {
+    return fixedsyms;
 }
 
 void start_symbols() {

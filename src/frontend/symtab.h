@@ -8,6 +8,7 @@
 #include "values/space.h"
 
 #include <cstdint>
+#include <span>
 
 namespace tessor {
 
@@ -27,6 +28,10 @@ struct MeaningTable {
     MeaningTable* inner; ///< not counted
     MeaningTable* base;  ///< not counted: it never goes away
 };
+
+/// The layout word of links: what recounts blocks knows them by it. They can hold each other in
+/// circles, through functions in their tables, and then stay for good.
+inline constexpr std::uint32_t link_layout = 0xffffffff;
 
 HashTable* makehashtab();
 HashTable* makesmallhashtab();
@@ -58,6 +63,8 @@ HashTable* hash_of(const MeaningTable* link);
 /// A link for the table on top of this link: count 1, or this link itself if it already has the
 /// table. The caller gets a count of its own on the result; it keeps the one on `link`.
 MeaningTable* pushtable(MeaningTable* link, HashTable* hash);
+/// The same for a new table, which the link alone holds.
+MeaningTable* push_new(MeaningTable* link, HashTable* (*make)());
 void pushsymtabs(MeaningTable* inner, MeaningTable* outer);
 /// One step back. Takes over the caller's count on `link`, gives one on the result.
 MeaningTable* popsymtabs(MeaningTable* link);
@@ -90,6 +97,9 @@ void list_symbols(Space& result, MeaningTable* link, char first);
 extern Space* quads;
 inline constexpr int quad_io = 2;
 inline constexpr int quad_ct = 6;
+
+/// The buckets of the system values by their places; the others have no name.
+std::span<const Bucket> system_names();
 
 /// Makes the global table, its base link, quads with #IO and #CT. Called once at start-up.
 void start_symbols();

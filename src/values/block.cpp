@@ -1,5 +1,7 @@
 #include "values/block.h"
 
+#include "values/live.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -21,7 +23,7 @@ struct Prefix {
     std::size_t capacity;
     BlockHeader header;
 };
-static_assert(sizeof(Prefix) == 16);
+static_assert(sizeof(Prefix) == prefix_bytes);
 
 constexpr std::size_t small_limit = 1024;
 constexpr std::size_t large_limit = std::size_t{1} << 20;
@@ -32,7 +34,7 @@ constexpr std::size_t granule = 16;
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool pooled = false; // every block by itself, so that the sanitizer sees its life
 #else
-constexpr bool pooled = true;
+constexpr bool pooled = !verifies;
 #endif
 
 Prefix& prefix_of(void* block) {
@@ -243,15 +245,17 @@ void* allocate_middle(std::size_t bytes, std::uint32_t layout) {
         return true;
     }();
     static_cast<void>(tuned);
-    void* memory = from_system([=] { return std::malloc(bytes + sizeof(Prefix)); });
-    return set_up(memory, sizeof(Prefix), bytes, layout);
+    void* memory = from_system([=] { return std::malloc(bytes + ahead_of_data); });
+    if constexpr (verifies)
+        enter_live(*static_cast<LiveBlock*>(memory));
+    return set_up(memory, ahead_of_data, bytes, layout);
 }
 
 } // namespace
 
 void* allocate_block(std::size_t bytes, std::uint32_t layout) {
     if (!pooled) {
-        if (bytes > physical_memory())
+        if (bytes > physical_memory() || (verifies && refuses_storage()))
             throw OutOfStorage{};
         return allocate_middle(bytes, layout);
     }
@@ -271,12 +275,20 @@ void* allocate_block(std::size_t bytes, std::uint32_t layout) {
     return allocate_large(bytes, layout);
 }
 
+void* zeroed_memory(std::size_t n, std::size_t size) {
+    return verifies && refuses_storage() ? nullptr : std::calloc(n, size);
+}
+
 void free_block(void* block) noexcept {
     if (!block)
         return;
     const std::size_t capacity = prefix_of(block).capacity;
     void* memory = &prefix_of(block);
-    if (!pooled) {
+    if constexpr (verifies) {
+        LiveBlock& live = live_block(block);
+        leave_live(live);
+        std::free(&live);
+    } else if (!pooled) {
         std::free(memory);
     } else if (capacity <= small_limit) {
         auto* freed = static_cast<FreeBlock*>(memory);

@@ -424,6 +424,7 @@ Space* run_fresh(Activation& run) {
             leave_out_of_storage(run);
         }
     } else {
+        frames_lost = true;
         const bool own = current == &run;
         current = &run;
         abandoned_top = nullptr;
@@ -494,6 +495,10 @@ Held::~Held() {
 void clear_cells(Space* cells) {
     cleanup(cells);
     cells->type = 0;
+}
+
+const Space* spare_buffers() {
+    return free_buffers;
 }
 
 CellBuffer::CellBuffer() {

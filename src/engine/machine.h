@@ -177,6 +177,9 @@ private:
 /// Releases the cells of a program and leaves it empty.
 void clear_cells(Space* cells);
 
+/// The program buffers that wait to be used again, linked through their targets.
+const Space* spare_buffers();
+
 /// A buffer of program cells, from a pool; the cells in it are released with the handle.
 class CellBuffer {
 public:

@@ -11,6 +11,8 @@
 
 namespace tessor {
 
+bool frames_lost = false;
+
 namespace {
 
 FaultPoint* fault_point = nullptr;

@@ -34,6 +34,9 @@ public:
     ~Waiting();
 };
 
+/// Set by a non-local jump out of a fault: what the frames in between owned is lost for good.
+extern bool frames_lost;
+
 /// Where a fault of the process's own goes: the frame that owns it has called sigsetjmp on it.
 struct FaultPoint {
     sigjmp_buf context;

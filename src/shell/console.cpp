@@ -4,12 +4,14 @@
 #include "engine/seeding.h"
 #include "engine/signals.h"
 #include "frontend/symtab.h"
+#include "instrument/recount.h"
 #include "io/writers/exception.h"
 #include "parallel/coprocessor.h"
 #include "shell/dispatch.h"
 #include "shell/options.h"
 #include "shell/version.h"
 #include "values/block.h"
+#include "values/live.h"
 #include "values/messages.h"
 #include "values/native_stack.h"
 #include "values/refderef.h"
@@ -154,6 +156,8 @@ void read_execute_loop(bool quiet) {
         read_and_run();
         std::fflush(stdout);
         verbs += operators;
+        if constexpr (verifies)
+            recount_now_and_then();
     }
 }
 

@@ -5,9 +5,11 @@
 #include "engine/signals.h"
 #include "frontend/fill.h"
 #include "frontend/symtab.h"
+#include "instrument/recount.h"
 #include "io/writers/exception.h"
 #include "shell/console.h"
 #include "shell/dispatch.h"
+#include "values/live.h"
 #include "values/native_stack.h"
 #include "values/refderef.h"
 #include "values/shared.h"
@@ -84,6 +86,12 @@ void run_patiently(std::string_view text) {
     endprocess = false;
     std::fclose(stdin);
     stdin = console_input;
+    check_counts();
+}
+
+void check_counts() {
+    if constexpr (verifies)
+        recount(std::array{kept_quads[quad_io], kept_quads[quad_ct]});
 }
 
 void run_program(std::string_view text) {

@@ -22,6 +22,9 @@ void run_program(std::string_view text);
 /// The same with all the time that it takes.
 void run_patiently(std::string_view text);
 
+/// Recounts all blocks, in a checked build; between sentences.
+void check_counts();
+
 /// Ends what a program has left open: literals, switches. Values and names stay.
 void finish_sentence();
 

@@ -44,8 +44,8 @@ COUNTS = [
     ("", "1 5 JUMP 2 3 4 .", 5, 0, {}),  # an instruction that leaves its cell makes no entry
     ("-c2", "20000 INTERVAL 2.5 * DISCARD .", 5, 40000,
      {"INTERVAL": (20000, 0), "MULTIPLY": (20000, 20001), "DISCARD": (1, 0)}),
-    ("-c2", "((1.5 2.5) 3.5) 9000 RESHAPE NEGATIVE DISCARD .", 5, 21000,
-     {"RESHAPE": (9000, 0), "NEGATIVE": (12000, 13500), "DISCARD": (1, 0)}),
+    ("-c2", "3003 SERIAL . ((1.5 2.5) 3.5) 9000 RESHAPE NEGATIVE DISCARD .", 5, 21000,
+     {"SERIAL": (1, 0), "RESHAPE": (9000, 0), "NEGATIVE": (12000, 13500), "DISCARD": (1, 0)}),
 ]
 
 # What each verb counts for one element of each kind, beside the one flop of a dyadic verb itself.

@@ -38,7 +38,7 @@ WIDTH = 400  # of the lines shown
 INTEGERS = "0 1 -1 2 3 -3 7 10 255 256 46341 65536 -65536 1073741824 2147483647 -2147483647".split()
 REALS = """0.0 -0.0 0.5 -0.5 1.0 -1.0 2.0 3.0 0.1 1.5 -2.5 0.3333333333333333 2.9999999999999996
            1e-16 255.0 2147483647.0 2147483648.0 -2147483649.0 1e15 1.7e308 -1e308 5e-324 1e-310 Inf
-           -Inf""".split()
+           -Inf NaN""".split()
 LETTERS = "ijklmno"
 # What makes other forms and storages of a value.
 FORMS = ["POLAR", "CARTESIAN", "BINARY", "LOGICAL", "DEG", "RAD", "NEGATIVE", "NOT", "0 =", "1 +",
@@ -57,7 +57,7 @@ def hypercomplex(rng, letters):
 
 
 SMALL_REALS = """0 0 1 -1 2 -2 3 0.5 -0.5 1.5 -0.0 4 1e-16 1e200 -3.25
-                 0.1 0.7 -1.3 0.3333333333333333""".split()
+                 0.1 0.7 -1.3 0.3333333333333333 Inf -Inf NaN""".split()
 KINDS = {
     "characters": lambda rng: f"'{rng.choice('abcxyz 09~')}'",
     "truths": lambda rng: rng.choice("TF"),
@@ -90,6 +90,7 @@ class Operand:
 
     def __init__(self, rng, shape, kind=None, form=None):
         self.kind = kind or rng.choice(list(KINDS))
+        self.extents = shape
         self.count = 1
         for extent in shape:
             self.count *= extent
@@ -318,7 +319,9 @@ def array_case(rng, large):
     other = Operand(rng, (n,), kind if verb != "RESHAPE" else "small integers",
                     "" if kind else None)
     if "MATCH" in verb:
-        other = data if rng.random() < 0.5 else Operand(rng, random_shape(rng, False), data.kind)
+        # Itself; another of its shape, mostly of its kind; another of any.
+        shape = rng.choice([data.extents, random_shape(rng, False)])
+        other = rng.choice([data, Operand(rng, shape, rng.choice([data.kind, data.kind, None]))])
     if verb == "REPLICATE":
         other = Operand(rng, (1,), rng.choice(["small integers", "truths", "degrees"]), "")
     if verb == "RESHAPE":

@@ -114,6 +114,18 @@ bool same_bits(const Items& left, const Items& right, std::uint32_t from, std::u
                   == 0;
 }
 
+// The first of n pairs that differs; one of them does.
+std::uint32_t first_difference(Count count, const Items& left, const Items& right,
+                               std::uint32_t from, std::uint32_t n) {
+    while (n > 1) {
+        const std::uint32_t half = n / 2;
+        const bool behind = count(left.block, right.block, from, half) == half;
+        from += behind ? half : 0;
+        n = behind ? n - half : half;
+    }
+    return from;
+}
+
 bool is_packed(const Space& space) {
     return !(space.type & ISINPLACE) && space.rank >= 0 && space.data_pointer
            && storage_tag(storage_of(space.data_pointer)) != tag::none;
@@ -145,16 +157,19 @@ bool all_alike(const Space& left, const Space& right, std::uint32_t n, std::uint
     const Items r = items_of(right);
     if (l.tag != r.tag)
         return n == 0;
+    const auto width = static_cast<std::uint64_t>(components_of(l.tag));
     const Count count = count_of_items(l, r);
     for (std::uint32_t from = 0; from < n;) {
         if (signal_noted())
             take_signals();
         const std::uint32_t part = std::min(stretch, n - from);
-        reals += part * static_cast<std::uint64_t>(components_of(l.tag));
-        if (!same_bits(l, r, from, part) && count(l.block, r.block, from, part) != part)
+        if (!same_bits(l, r, from, part) && count(l.block, r.block, from, part) != part) {
+            reals = (first_difference(count, l, r, from, part) + 1) * width;
             return false;
+        }
         from += part;
     }
+    reals = n * width;
     return true;
 }
 

@@ -17,7 +17,7 @@ struct Alike {
 /// Compares the first n elements.
 Alike alike(const Space& left, const Space& right, std::uint32_t n);
 
-/// Whether all of the first n are equal. `reals` as far as it was looked.
+/// Whether all of the first n are equal. `reals` are counted up to the first pair that differs.
 bool all_alike(const Space& left, const Space& right, std::uint32_t n, std::uint64_t& reals);
 
 } // namespace tessor

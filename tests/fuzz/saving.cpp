@@ -20,7 +20,7 @@ std::string text_of(const char* name) {
     std::ifstream file(name, std::ios::binary);
     std::string text;
     for (std::string line; std::getline(file, line);)
-        if (!line.empty())
+        if (!line.empty() && line != ".") // batches count hidden operands as well
             text += line + '\n';
     for (std::size_t at; (at = text.find("::")) != text.npos;)
         text.erase(at, 2);

@@ -284,7 +284,7 @@ void free_block(void* block) noexcept {
         return;
     const std::size_t capacity = prefix_of(block).capacity;
     void* memory = &prefix_of(block);
-    if constexpr (verifies) {
+    if (verifies) {
         LiveBlock& live = live_block(block);
         leave_live(live);
         std::free(&live);

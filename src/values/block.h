@@ -34,8 +34,8 @@ inline void* allocate_items(std::uint64_t n, std::size_t size, std::uint32_t lay
     return allocate_block(static_cast<std::size_t>(n * size), layout);
 }
 
-/// Zeroed memory that is no block, for free(): pages that nobody touches cost nothing. Null if there
-/// is none.
+/// Zeroed memory that is no block, for free(): pages that nobody touches cost nothing. Null if
+/// there is none.
 void* zeroed_memory(std::size_t n, std::size_t size);
 
 /// Gives the memory of a block back, whatever its count.

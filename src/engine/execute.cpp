@@ -10,7 +10,7 @@
 
 namespace tessor {
 
-bool is_text(const Space& value) {
+bool is_executable_text(const Space& value) {
     return (value.rank == 0 || value.rank == 1)
            && (value.type & (STRUCTURED | COMPLEXED | HASASCII)) == HASASCII;
 }
@@ -54,7 +54,7 @@ Next execute_text(Activation& run) {
 Next execute(Activation& run) {
     if (run.top->rank == kind::FUNCTION)
         return call(run);
-    return is_text(*run.top) ? execute_text(run) : failed(run, 995);
+    return is_executable_text(*run.top) ? execute_text(run) : failed(run, 995);
 }
 
 Next dip(Activation& run) {

@@ -7,7 +7,7 @@
 namespace tessor {
 
 /// Characters alone, as a scalar or a vector: what can be compiled.
-bool is_text(const Space& value);
+bool is_executable_text(const Space& value);
 
 /// The characters of a text, zero-ended, and before that what ends a sentence.
 BlockHandle source_of(const Space& text);

@@ -90,7 +90,7 @@ private:
 
 // A zero byte is the end of the input wherever it stands: nothing is read from there on.
 Next assemble(Activation& run) {
-    if (!is_text(*run.top))
+    if (!is_executable_text(*run.top))
         return failed(run, 981);
     const BlockHandle source = source_of(*run.top);
     const char* at = source.as<char>();

@@ -16,6 +16,7 @@
 #include <new>
 #include <pthread.h>
 #include <semaphore.h>
+#include <sys/mman.h>
 #include <unistd.h>
 #include <utility>
 
@@ -235,6 +236,23 @@ bool finish_job() {
     return !failed;
 }
 
+// Room that a pool leaves to the main thread when it takes all else: less than what an allocator
+// reserves for a thread, so that no worker gets it.
+class Reserve {
+public:
+    Reserve() = default;
+    Reserve(const Reserve&) = delete;
+    Reserve& operator=(const Reserve&) = delete;
+    ~Reserve() {
+        if (pages_ != MAP_FAILED)
+            munmap(pages_, size);
+    }
+
+private:
+    static constexpr std::size_t size = std::size_t{32} << 20;
+    void* pages_ = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+};
+
 // Makes worker i, and its record. False: there is no room for it.
 bool add_worker(std::uint32_t i) {
     try {
@@ -257,6 +275,7 @@ void start_coprocessors(std::uint32_t streams) {
     from_coprocessor.assign(1, {});
     spins = sysconf(_SC_NPROCESSORS_ONLN) >= static_cast<long>(streams) ? patience : 0;
     const NoSignals none;
+    const Reserve for_main_thread;
     for (std::uint32_t i = 1; i < streams && add_worker(i); ++i) {
     }
     processors = cpus = static_cast<std::uint32_t>(workers.size()) + 1;

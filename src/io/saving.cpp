@@ -2,6 +2,7 @@
 
 #include "engine/names.h"
 #include "frontend/names.h"
+#include "frontend/symtab.h"
 #include "io/files.h"
 #include "io/writers/dump.h"
 #include "io/writers/elements.h"
@@ -28,6 +29,15 @@ constexpr int records_of_a_batch = 257;
 bool is_named(MeaningTable* names, std::string_view word) {
     const Bucket* found = checkmeaning(names, std::string(word).c_str());
     return found && (is_set(found->value) || count_of(found->value) > 1);
+}
+
+// A word that the function itself has given a meaning, in a table of its own, gets it again before
+// it is read.
+bool reads_as_built_in(MeaningTable* names, const Space& variable) {
+    const Bucket* global = checkhash(base_hash(names), variable.name);
+    const bool own =
+        variable.suboperation != op::SGIG && !(global && global->value == variable.target);
+    return !own && reads_as_word(variable.name);
 }
 
 // A name that begins like one of a class goes back as it is typed, any other between quotes. What
@@ -89,7 +99,7 @@ void remember_table(Writer& out, const HashTable* hash) {
 
 template <class Write>
 void write_program(std::FILE* stream, MeaningTable* names, Write write) {
-    const Vocabulary vocabulary = {reads_as_word, is_named, names};
+    const Vocabulary vocabulary = {reads_as_built_in, is_named, names};
     Writer out(stream);
     out.begin_batches(cells_of_a_batch, &vocabulary);
     write(out);

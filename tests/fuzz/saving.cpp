@@ -4,7 +4,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 
 using namespace tessor;
@@ -26,8 +28,9 @@ std::string text_of(const char* name) {
         text.erase(at, 2);
     for (std::size_t at; (at = text.find("  ")) != text.npos;)
         text.erase(at, 1);
-    for (std::size_t at; (at = text.find(" -0 ")) != text.npos;)
-        text.erase(at + 1, 1);
+    for (std::size_t at = 0; (at = text.find(" -0", at)) != text.npos; ++at)
+        if (text[at + 3] == ' ' || text[at + 3] == '\n')
+            text.erase(at + 1, 1);
     return text;
 }
 
@@ -37,8 +40,12 @@ bool is_digit(char byte) {
 
 // What can't come back: the address of a local variable that has gone; elements that a failing verb
 // hasn't made; the last bit of a polar number, by way of modulus and angles; anything, once the
-// program has given the words that saved text is made of a meaning.
-bool may_differ(const std::string& text) {
+// program has given the words that saved text is made of a meaning. A comment that was taken for
+// the verb of a reduction has no spelling.
+bool may_differ(std::string_view program, const std::string& text) {
+    static const std::regex folded_comment("[\"\xbc][\\s]*([/\\\\.\xab]|REDUCE|SCAN|OUTER|INNER)");
+    if (std::regex_search(program.begin(), program.end(), folded_comment))
+        return true;
     if (text.find(" @\n") != text.npos || text.find(" ??? ") != text.npos)
         return true;
     for (std::size_t at = 0; (at = text.find('p', at + 1)) != text.npos;)
@@ -63,7 +70,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     for (const char* name : {"first", "second"})
         unlink(name);
-    fuzz::run_program(fuzz::text_of(data, size));
+    const std::string_view program = fuzz::text_of(data, size);
+    fuzz::run_program(program);
     {
         const fuzz::Allowed files{op::SAVE, op::LOAD};
         fuzz::finish_sentence();
@@ -78,7 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::forget_everything();
     const std::string first = text_of("first");
     const std::string second = text_of("second");
-    if (!first.empty() && !may_differ(first) && first != second)
+    if (!first.empty() && first != second && !may_differ(program, first))
         fuzz::report_difference("saved, loaded and saved again", first, second);
     return 0;
 }

@@ -96,7 +96,7 @@ void write_name(Writer& out, const Space& cell, std::string_view prefix, Style s
     const bool may_misread = cell.suboperation == op::SGIG || out.vocabulary();
     write_quoted(out, "", name,
                  source && (!has_prefix(name) || name.size() == 1) && may_misread
-                     && (needs_quotes(name, address) || (words && words->is_word(cell.name))));
+                     && (needs_quotes(name, address) || (words && words->hides_name(cell))));
 }
 
 void write_variable(Writer& out, const Space& cell, Place place) {

@@ -12,11 +12,13 @@ namespace tessor {
 /// What a text that is to be read back must know of the names that there will be then: what uses a
 /// name may be read before the name has its meaning, or after.
 struct Vocabulary {
-    bool (*is_word)(const char* name); ///< no name, as long as it has no meaning
+    /// A variable whose name is no name, as long as it has no meaning; by then it may have none.
+    bool (*is_word)(MeaningTable* names, const Space& variable);
     /// A word that has been given a meaning.
     bool (*is_named)(MeaningTable* names, std::string_view word);
     MeaningTable* names; ///< the innermost table of names
 
+    bool hides_name(const Space& variable) const { return is_word(names, variable); }
     bool hides(std::string_view word) const { return is_named(names, word); }
 };
 

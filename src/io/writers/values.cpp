@@ -107,13 +107,16 @@ bool fits_literal(Writer& out, const Space& space) {
     if (!(space.type & (STRUCTURED | COMPLEXED)) || !has_data(space) || holds_text(space))
         return true;
     guard_depth(out);
+    out.listen();
+    const Space* before = nullptr; // repeated, it needs no second look
     for (std::uint32_t i = 0; i < space.elements; ++i) {
         const Element element = element_at(space, i);
         if (element.tag == tag::ascii && (element.character == 0 || element.character == '\n'))
             return false;
-        if (element.tag != tag::subarray)
+        if (element.tag != tag::subarray || element.subarray == before)
             continue;
-        const Space& inner = *element.subarray;
+        before = element.subarray;
+        const Space& inner = *before;
         const bool fits = holds_text(inner) ? (inner.type & ISEMPTY) || fits_as_item(inner)
                                             : !(inner.type & ISSCALAR) && fits_literal(out, inner);
         if (!fits)

@@ -43,6 +43,10 @@ void Writer::seam() {
         terminal_ = isatty(fileno(stream_));
     if (terminal_)
         flush();
+    listen();
+}
+
+void Writer::listen() {
     if (signal_noted()) {
         flush();
         take_signals();

@@ -74,6 +74,8 @@ public:
     void flush();
     /// Between two hundreds of elements: a person sees what there is, and noted signals are taken.
     void seam();
+    /// Takes noted signals, with what is written so far.
+    void listen();
 
 private:
     std::FILE* stream_;

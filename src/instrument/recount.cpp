@@ -149,17 +149,40 @@ private:
     std::vector<Met> met_;
 };
 
-// Links that only hold each other are reached by no root and yet not lost: what they hold is
-// counted, and then their own counts have to agree.
+bool is_live(const void* block) {
+    for (const LiveBlock* live = first_live(); live; live = live->after)
+        if (data_of(*live) == block)
+            return true;
+    return false;
+}
+
+// The value of a name that is a function; null if the block is none.
+const Space* function_in(const void* block) {
+    if (header_of(block).layout == link_layout || block_capacity(block) < sizeof(Space))
+        return nullptr;
+    const auto* value = static_cast<const Space*>(block);
+    const bool function = value->rank == kind::FUNCTION && value->body != value;
+    return function && is_live(value->body) ? value : nullptr;
+}
+
+// Links that only hold each other, and functions that use the forgotten name they are stored in,
+// are reached by no root and yet not lost: what they hold is counted, and then their own counts
+// have to agree.
 void count_circles(Recount& count) {
     std::vector<LiveBlock*> begun;
     for (LiveBlock* live = first_live(); live; live = live->after) {
         const void* block = data_of(*live);
-        if (live->found != 0 || count_of(block) < 0 || header_of(block).layout != link_layout)
+        if (live->found != 0 || count_of(block) < 0)
+            continue;
+        const Space* function = function_in(block);
+        if (!function && header_of(block).layout != link_layout)
             continue;
         live->found = 1;
         begun.push_back(live);
-        count.link(static_cast<const MeaningTable*>(block));
+        if (function)
+            count.space(*function);
+        else
+            count.link(static_cast<const MeaningTable*>(block));
         count.follow();
     }
     for (LiveBlock* live : begun)

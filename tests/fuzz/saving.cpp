@@ -1,10 +1,10 @@
 // What a program leaves is saved, loaded and saved again: the two files are equal.
 #include "session.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <string>
 #include <string_view>
 #include <unistd.h>
@@ -38,13 +38,32 @@ bool is_digit(char byte) {
     return byte >= '0' && byte <= '9';
 }
 
+// A comment that is taken for the verb of a reduction, or a name that begins like one of a class.
+bool has_no_spelling(std::string_view program) {
+    constexpr std::string_view blanks = " \t\r\n";
+    for (std::size_t at = 1; at < program.size(); ++at) {
+        const char before = program[at - 1];
+        const std::string_view rest = program.substr(at);
+        constexpr std::string_view classes = "%$_.&@";
+        constexpr std::string_view dropped = "\"()|";
+        if (classes.find(before) != classes.npos && dropped.find(rest[0]) != dropped.npos)
+            return true;
+        if (before != '"' && before != '\xbc')
+            continue;
+        const std::string_view behind =
+            rest.substr(std::min(rest.find_first_not_of(blanks), rest.size()));
+        for (const char* reduction : {"/", "\\", ".", "\xab", "REDUCE", "SCAN", "OUTER", "INNER"})
+            if (behind.starts_with(reduction))
+                return true;
+    }
+    return false;
+}
+
 // What can't come back: the address of a local variable that has gone; elements that a failing verb
 // hasn't made; the last bit of a polar number, by way of modulus and angles; anything, once the
-// program has given the words that saved text is made of a meaning. A comment that was taken for
-// the verb of a reduction has no spelling.
+// program has given the words that saved text is made of a meaning.
 bool may_differ(std::string_view program, const std::string& text) {
-    static const std::regex folded_comment("[\"\xbc][\\s]*([/\\\\.\xab]|REDUCE|SCAN|OUTER|INNER)");
-    if (std::regex_search(program.begin(), program.end(), folded_comment))
+    if (has_no_spelling(program))
         return true;
     if (text.find(" @\n") != text.npos || text.find(" ??? ") != text.npos)
         return true;
@@ -75,9 +94,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     {
         const fuzz::Allowed files{op::SAVE, op::LOAD};
         fuzz::finish_sentence();
-        fuzz::run_patiently("'first' :: SAVE .");
+        const bool saved = fuzz::run_program("'first' :: SAVE .");
         fuzz::forget_everything();
-        if (std::filesystem::exists("first") && std::filesystem::file_size("first") > most_bytes) {
+        if (!saved
+            || (std::filesystem::exists("first")
+                && std::filesystem::file_size("first") > most_bytes)) {
             std::filesystem::remove("first");
             return 0;
         }

@@ -94,10 +94,11 @@ void check_counts() {
         recount(std::array{kept_quads[quad_io], kept_quads[quad_ct]});
 }
 
-void run_program(std::string_view text) {
+bool run_program(std::string_view text) {
     set_budget(true);
     run_patiently(text);
     set_budget(false);
+    return interrupts == 0;
 }
 
 void finish_sentence() {

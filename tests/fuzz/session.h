@@ -17,8 +17,9 @@ namespace tessor::fuzz {
 /// Starts the system; what it prints goes nowhere. Once.
 void start_session();
 
-/// Runs a program as standard input. The values and names that it leaves stay.
-void run_program(std::string_view text);
+/// Runs a program as standard input. The values and names that it leaves stay. False: it has been
+/// interrupted, as it took too long.
+bool run_program(std::string_view text);
 /// The same with all the time that it takes.
 void run_patiently(std::string_view text);
 

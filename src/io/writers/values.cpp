@@ -302,7 +302,9 @@ void write_scalar(Writer& out, const Space& space, Place place) {
     if (is_hidden(element, place) || write_constant_name(out, element, place))
         return;
     bool joined = false;
-    if (place.style == Style::source ? holds_text(space) : is_text(space))
+    if (place.style == Style::source && element.tag == tag::ascii)
+        write_quoted(out, element);
+    else if (is_text(space))
         write_text(out, space, place);
     else
         write_element(out, element, place, whole_as_integer(space), joined);
